@@ -1,0 +1,18 @@
+# What all code of the project is compiled with: norv_compile_settings(target).
+
+set(NORV_WARNINGS
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-qual -Wcast-align
+  -Wformat=2 -Wnull-dereference -Wdouble-promotion -Wimplicit-fallthrough -Woverloaded-virtual -Wundef -Wunused
+  $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond> $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-branches>
+  $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op> $<$<CXX_COMPILER_ID:GNU>:-Wuseless-cast>)
+
+function(norv_compile_settings target)
+  target_compile_features(${target} PRIVATE cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_compile_options(${target} PRIVATE ${NORV_WARNINGS} $<$<BOOL:${NORV_BATTERY_WERROR}>:-Werror>)
+endfunction()
+
+if(NORV_BATTERY_SANITIZE)
+  add_compile_options(-fsanitize=${NORV_BATTERY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${NORV_BATTERY_SANITIZE})
+endif()

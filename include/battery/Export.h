@@ -1,0 +1,17 @@
+// Marks what the shared library norv-battery-info exports.
+//
+// NORV_BATTERY_BUILD    is set while the library itself is compiled.
+// NORV_BATTERY_STATIC   is set by code that may be linked against the library's objects instead of the shared library.
+#pragma once
+
+#ifdef _WIN32
+#ifdef NORV_BATTERY_BUILD
+#define NORV_BATTERY_API __declspec(dllexport)
+#elif defined(NORV_BATTERY_STATIC)
+#define NORV_BATTERY_API
+#else
+#define NORV_BATTERY_API __declspec(dllimport)
+#endif
+#else
+#define NORV_BATTERY_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,29 @@
+#include "norv/shared/norvbios/PrivateBiosWmi.h"
+
+#include "norv/platform/Platform.h"
+
+namespace norv::shared::norvbios {
+
+namespace {
+
+constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);  // E_INVALIDARG
+
+}  // namespace
+
+PrivateBiosWmi::PrivateBiosWmi() = default;
+
+PrivateBiosWmi::~PrivateBiosWmi() = default;
+
+std::int32_t PrivateBiosWmi::ExecuteCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                                            const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
+                                            std::uint32_t* returnCode) {
+  return platform::Platform::Current().SendBiosCommand(first, second, third, input, inputSize, output, returnCode);
+}
+
+std::int32_t PrivateBiosWmi::ValidateInput(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
+                                           const unsigned char* input, std::uint32_t /*inputSize*/,
+                                           unsigned char* output, std::uint32_t* returnCode) {
+  return input == nullptr || output == nullptr || returnCode == nullptr ? kInvalidArgument : 0;
+}
+
+}  // namespace norv::shared::norvbios
