@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Format, style and layering of the sources: tests/lint/run.sh BUILD-FOLDER, where the folder has a compile_commands.json.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+readonly here
+build=$(cd "${1:?usage: tests/lint/run.sh BUILD-FOLDER}" && pwd)
+readonly build
+# shellcheck source=tests/checks.sh
+. "$here/../checks.sh"
+cd "$here/../.."
+
+Sources() { tests/lint/sources.sh "$@"; }
+
+# None FORBIDDEN-PATTERN WHY FILE ...: fails and shows the lines when one of the files matches, in letters of any case.
+None() {
+  local pattern=$1 why=$2 found
+  shift 2
+  found=$(grep -niE "$pattern" "$@" /dev/null || true)
+  [[ -z $found ]] || { printf '%s\n%s\n' "$why" "$found"; return 1; }
+}
+
+Format() { Sources | xargs -r clang-format --dry-run -Werror; }
+
+# The compile commands are g++'s, some of whose warnings clang does not know.
+Tidy() {
+  local list
+  list=$(tests/lint/tidy-sources.py "$build/compile_commands.json") || { printf '%s\n' "$list"; return 1; }
+  xargs -r -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet --extra-arg=-Wno-unknown-warning-option <<<"$list"
+}
+
+# The library under src/ reaches the outside world through the platform seam alone.
+SystemIncludes() {
+  local systems='windows|winsock2?|ws2tcpip|objbase|comdef|wbemidl|oleauto|atl[a-z]*|io|direct|process|tchar|unistd'
+  systems+='|dlfcn|fcntl|pthread|spawn|poll|termios|dirent|pwd|syslog|sys/[^>"]*|linux/[^>"]*|netinet/[^>"]*'
+  local files
+  mapfile -t files < <(Sources src)
+  None "^[[:space:]]*#[[:space:]]*include[[:space:]]*[<\"]($systems)\\.h[>\"]" \
+    "an operating-system header is included under src/; it belongs into platform/:" "${files[@]}"
+}
+
+UpwardIncludes() {
+  local files
+  mapfile -t files < <(Sources src platform)
+  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]([^>"]*/)?(simulator|tools|nlohmann|CLI|gtest|gmock)/' \
+    "the library includes something of the simulator, the tool or the tests:" "${files[@]}"
+}
+
+ToolIncludes() {
+  local files
+  mapfile -t files < <(Sources tools)
+  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*"([^"]*/)?(src|platform|access|record|settings|diagnostics)/' \
+    "the tool includes what is not installed; it is a host like any other:" "${files[@]}"
+}
+
+# CMake picks the system's folder; only the export macro has to know the system.
+SystemConditions() {
+  local files
+  mapfile -t files < <(Sources | grep -vE '^(include/battery/Export\.h|platform/.*)$')
+  local systems='_*(win32|win64|mingw32|mingw64|msc_ver|linux|unix|apple|cygwin|freebsd|android)_*'
+  None "^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif|elifdef|elifndef)\\b.*\\b$systems\\b" \
+    "a condition on the operating system outside include/battery/Export.h and platform/:" "${files[@]}"
+}
+
+# A host of any C++17 compiler reads these headers: no Windows header, no log macro, no third-party type.
+PublicIncludes() {
+  local files
+  mapfile -t files < <(Sources include)
+  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*(<([^>]*/|[a-z_0-9]+\.h>)|"(windows|plog|nlohmann|CLI)[./])' \
+    "a public header includes more than the standard library and the project's own headers:" "${files[@]}"
+}
+
+ShellScripts() { grep -rlE '^#!/usr/bin/env bash' dev .ci tests tools simulator cmake 2>/dev/null; }
+ShellSyntax() { ShellScripts | xargs -n 1 bash -n; }
+ShellCheck() { ShellScripts | xargs shellcheck -x; }
+
+Check "clang-format" Format || true
+Check "no operating-system header under src/" SystemIncludes || true
+Check "the library includes nothing of simulator, tool and tests" UpwardIncludes || true
+Check "the tool includes installed headers only" ToolIncludes || true
+Check "public headers include the standard library only" PublicIncludes || true
+Check "no condition on the operating system outside its two places" SystemConditions || true
+Check "shell scripts: syntax" ShellSyntax || true
+Check "shell scripts: shellcheck" ShellCheck || true
+Check "clang-tidy" Tidy || true
+Summary

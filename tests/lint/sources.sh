@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Prints the project's C++ sources, one path a line, relative to its root; with folders as arguments only those in them.
+# Untracked sources count too: what is about to be committed is what should be checked.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+[[ $# -gt 0 ]] || set -- include src platform simulator tools tests bench
+for folder in "$@"; do
+  [[ -d $folder ]] || continue
+  find "$folder" -type f \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \)
+done | LC_ALL=C sort
