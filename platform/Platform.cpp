@@ -1,6 +1,7 @@
 #include "norv/platform/Platform.h"
 
 #include <atomic>
+#include <cerrno>
 
 #include "SystemPlatform.h"
 
@@ -17,16 +18,24 @@ WmiConnection::~WmiConnection() = default;
 
 Platform::~Platform() = default;
 
+void Platform::ReportInvalidParameter() {
+  errno = EINVAL;
+}
+
 Platform& Platform::Current() {
   Platform* platform = current.load(std::memory_order_acquire);
   return platform != nullptr ? *platform : SystemPlatform();
 }
 
-ScopedPlatform::ScopedPlatform(Platform& platform) : previous_(current.exchange(&platform)) {}
+ScopedPlatform::ScopedPlatform(Platform& platform) : previous_(current.exchange(&platform)) {
+}
 
-ScopedPlatform::~ScopedPlatform() { current.store(previous_); }
+ScopedPlatform::~ScopedPlatform() {
+  current.store(previous_);
+}
 
-PlatformWrapper::PlatformWrapper(Platform& inner) : inner_(inner) {}
+PlatformWrapper::PlatformWrapper(Platform& inner) : inner_(inner) {
+}
 
 PlatformWrapper::~PlatformWrapper() = default;
 
@@ -40,7 +49,9 @@ long PlatformWrapper::ConnectWmi(const std::wstring& namespacePath, std::unique_
   return inner_.ConnectWmi(namespacePath, connection);
 }
 
-bool PlatformWrapper::RunProgram(const char* path) { return inner_.RunProgram(path); }
+bool PlatformWrapper::RunProgram(const char* path) {
+  return inner_.RunProgram(path);
+}
 
 bool PlatformWrapper::ReadProductVersion(const char* path, ProductVersion& version) {
   return inner_.ReadProductVersion(path, version);
@@ -50,17 +61,29 @@ std::uint32_t PlatformWrapper::LibraryPath(char* buffer, std::uint32_t size) {
   return inner_.LibraryPath(buffer, size);
 }
 
-std::wstring PlatformWrapper::ModuleName() { return inner_.ModuleName(); }
+std::wstring PlatformWrapper::ModuleName() {
+  return inner_.ModuleName();
+}
 
-std::optional<std::string> PlatformWrapper::ProgramDataFolder() { return inner_.ProgramDataFolder(); }
+std::optional<std::string> PlatformWrapper::ProgramDataFolder() {
+  return inner_.ProgramDataFolder();
+}
 
 std::uint32_t PlatformWrapper::FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) {
   return inner_.FormatSystemMessage(code, buffer, size);
 }
 
-std::uint32_t PlatformWrapper::LastSystemCode() { return inner_.LastSystemCode(); }
+std::uint32_t PlatformWrapper::LastSystemCode() {
+  return inner_.LastSystemCode();
+}
 
-std::time_t PlatformWrapper::Now() { return inner_.Now(); }
+void PlatformWrapper::ReportInvalidParameter() {
+  inner_.ReportInvalidParameter();
+}
+
+std::time_t PlatformWrapper::Now() {
+  return inner_.Now();
+}
 
 std::time_t PlatformWrapper::LocalTimeValue(const std::tm& calendarTime) {
   return inner_.LocalTimeValue(calendarTime);

@@ -21,8 +21,9 @@ class NorvBatteryTestInfo;
 // Ownership: the collection owns its records, its channel and its test object, also those that the host passed in, and
 // deletes them when it is destroyed.
 //
-// Copies are shallow: they share everything that the collection owns, and nothing counts the sharers. Of two collections
-// that share, ONLY ONE MAY BE DESTROYED; a host that copies one must see to it that the other is never destroyed.
+// Copies are shallow: they share everything that the collection owns, and nothing counts the sharers. Of two
+// collections that share, ONLY ONE MAY BE DESTROYED; a host that copies one must see to it that the other is never
+// destroyed.
 //
 // Threads: one thread at a time uses a collection; different collections may be used in parallel. Construction blocks
 // while the BIOS, WMI and, if asked for, the test program do their work.
@@ -35,7 +36,8 @@ class NORV_BATTERY_API NorvBatteries {
   // GetError() tells the last failure.
   //
   // `readCellSwellProtection`  also reads the cell swell protection data of each battery that is there.
-  // `runBatteryTest`           also runs the battery test and hands its verdict to the battery of slot 0; blocks until the
+  // `runBatteryTest`           also runs the battery test and hands its verdict to the battery of slot 0; blocks until
+  // the
   //                            test program has ended.
   // `bios`                     a PrivateBiosWmi made with new, or null for the machine's own channel.
   // `testInfo`                 a NorvBatteryTestInfo made with new, or null for the library's own.
@@ -45,8 +47,8 @@ class NORV_BATTERY_API NorvBatteries {
   NorvBatteries& operator=(const NorvBatteries& other);  // does not release what it held before
   ~NorvBatteries();
 
-  // Takes over the verdict of the test object: hands the object to the record of slot 0, if there is one, which refers to
-  // it from then on. False, with an error stored, when there is no verdict or no test object. Does not run the test.
+  // Takes over the verdict of the test object: hands the object to the record of slot 0, if there is one, which refers
+  // to it from then on. False, with an error stored, when there is no verdict or no test object. Does not run the test.
   virtual bool RunBatteryTest();
 
   // The record of slot `index`, 0 or 1 (debug builds assert it); null when the slot holds no battery or could not be
@@ -69,6 +71,10 @@ class NORV_BATTERY_API NorvBatteries {
   bool ReadNorvBatteryCSP(unsigned char index);
 
  private:
+  norvbios::PrivateBiosWmi& Channel();
+  void ReadSlot(unsigned char index, bool readCellSwellProtection);
+  void RunTest();
+
   NorvBatteryInfo* batteries_[2];
   error::Error error_;
   norvbios::PrivateBiosWmi* bios_;

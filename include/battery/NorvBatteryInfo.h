@@ -1,9 +1,11 @@
 // The record of one battery.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "battery/Export.h"
@@ -25,14 +27,15 @@ class NorvBatteryTestInfo;
 // Texts are zero-terminated, never null, 8-bit and as the firmware wrote them, so not necessarily ASCII or UTF-8. They
 // belong to the record unless an accessor says that they are constants, and live as long as the record or a copy of it.
 //
-// Copies share the texts and the attached objects with their source; each is released once, when the last sharer is gone.
-// Attaching again replaces for this record only; what was replaced stays alive as long as the record or a copy of it.
+// Copies share the texts and the attached objects with their source; each is released once, when the last sharer is
+// gone. Attaching again replaces for this record only; what was replaced stays alive as long as the record or a copy of
+// it.
 //
 // Threads: a record is used by one thread at a time, and a record and its copies count as one.
 class NORV_BATTERY_API NorvBatteryInfo {
  public:
-  // Decodes the 128 bytes at `block`, which must not be null, and asks the operating system for its charge and discharge
-  // rates (both 0 when it does not know). Throws nothing but the standard allocation exception.
+  // Decodes the 128 bytes at `block`, which must not be null, and asks the operating system for its charge and
+  // discharge rates (both 0 when it does not know). Throws nothing but the standard allocation exception.
   explicit NorvBatteryInfo(const unsigned char* block);
   NorvBatteryInfo(const NorvBatteryInfo& other);
   NorvBatteryInfo& operator=(const NorvBatteryInfo& other);
@@ -72,15 +75,16 @@ class NORV_BATTERY_API NorvBatteryInfo {
 
   // What the letters and digits of the manufacturer text mean. All but GetCalibrationType and GetOverCurrentProtection
   // are constant texts.
-  virtual const char* GetPackSupplier() const;         // "UNKNOWN" without a known code
-  virtual const char* GetCellSupplier() const;         // "UNKNOWN" without a known code
-  virtual std::string GetCalibrationType() const;      // one character, or empty
-  virtual int GetOverCurrentProtection() const;        // in the unit of the design capacity; 0 without a known code
-  virtual const char* GetWarrantyType() const;         // "6_MONTHS", "1_YEAR", "2_YEARS", "3_YEARS" or "UNKNOWN"
-  virtual const char* GetDesignCycleCount() const;     // "300", "600", "1000" or "UNKNOWN"
+  virtual const char* GetPackSupplier() const;      // "UNKNOWN" without a known code
+  virtual const char* GetCellSupplier() const;      // "UNKNOWN" without a known code
+  virtual std::string GetCalibrationType() const;   // one character, or empty
+  virtual int GetOverCurrentProtection() const;     // in the unit of the design capacity; 0 without a known code
+  virtual const char* GetWarrantyType() const;      // "6_MONTHS", "1_YEAR", "2_YEARS", "3_YEARS" or "UNKNOWN"
+  virtual const char* GetDesignCycleCount() const;  // "300", "600", "1000" or "UNKNOWN"
 
-  // Fields of the CT number, "NA" when it is too short. Each text lies in ONE BUFFER PER OPERATION FOR THE WHOLE PROCESS:
-  // a call on any record overwrites the text of the call before, and two threads may not call the same one at once.
+  // Fields of the CT number, "NA" when it is too short. Each text lies in ONE BUFFER PER OPERATION FOR THE WHOLE
+  // PROCESS: a call on any record overwrites the text of the call before, and two threads may not call the same one at
+  // once.
   virtual const char* GetCtAssembly() const;
   virtual const char* GetCtRevision() const;
   virtual const char* GetCtSupplier() const;
@@ -97,8 +101,8 @@ class NORV_BATTERY_API NorvBatteryInfo {
   virtual const char* GetAdaptiveBatteryOptimizerInfo() const;
   virtual const char* GetBatteryCareInfo() const;
 
-  // Attaches a copy of the 128 bytes at `block` as the cell swell protection record. A null pointer attaches a record of
-  // zeros, with errno EINVAL. Throws nothing but the standard allocation exception.
+  // Attaches a copy of the 128 bytes at `block` as the cell swell protection record. A null pointer attaches a record
+  // of zeros, with errno EINVAL. Throws nothing but the standard allocation exception.
   virtual void SetCellSwellProtectionInfo(const unsigned char* block);
   // The attached record, or null. It belongs to this record.
   virtual const NorvBatteryCellSwellProtectionInfo* GetCellSwellProtectionInfo();
@@ -131,14 +135,45 @@ class NORV_BATTERY_API NorvBatteryInfo {
   static void operator delete(void* storage, void* place) noexcept;
 
  protected:
-  // Decodes the packed date `packed` (day in bits 0 to 4, month in 5 to 8, years since 1980 above) into the manufacturing
-  // date.
+  // Decodes the packed date `packed` (day in bits 0 to 4, month in 5 to 8, years since 1980 above) into the
+  // manufacturing date.
   void SetManufacturingDate(unsigned short packed);
   // Derives the warranty date from the manufacturing date and the warranty type.
   void SetWarrantyDate();
 
  private:
   struct Holdings;  // what a record shares with its copies: its texts and everything ever attached
+
+  // A record's share in its holdings. Assigning another share keeps what was held before, so that no text or pointer
+  // that the record handed out ever dangles.
+  class Share {
+   public:
+    Share() = default;
+    explicit Share(std::shared_ptr<Holdings> holdings) : current_(std::move(holdings)) {}
+    Share(const Share&) = default;
+    Share& operator=(const Share& other) {
+      for (const auto& former : other.former_) {
+        Keep(former);
+      }
+      if (current_ != other.current_) {
+        Keep(current_);
+        current_ = other.current_;
+      }
+      return *this;
+    }
+    ~Share() = default;
+    Holdings* operator->() const { return current_.get(); }
+
+   private:
+    void Keep(const std::shared_ptr<Holdings>& holdings) {
+      if (std::find(former_.begin(), former_.end(), holdings) == former_.end()) {
+        former_.push_back(holdings);
+      }
+    }
+
+    std::shared_ptr<Holdings> current_;
+    std::vector<std::shared_ptr<Holdings>> former_;
+  };
 
   NorvBatteryInfo();  // a record without texts, which must not be asked for any
 
@@ -161,8 +196,7 @@ class NORV_BATTERY_API NorvBatteryInfo {
   const char* ctNumberPattern_;
   error::Error error_;
   const BiosBatterySettings* settings_;  // one of the holdings, or null
-  std::shared_ptr<Holdings> holdings_;
-  std::vector<std::shared_ptr<Holdings>> formerHoldings_;  // kept by assignment, so that no text handed out ever dangles
+  Share holdings_;
 };
 
 }  // namespace norv::shared::battery

@@ -11,7 +11,7 @@ namespace norv::shared::battery {
 
 // Runs the program "BatteryTest.exe" that lies beside the library and keeps the verdict of its last run.
 //
-// Nothing here throws but for a failure to allocate memory. An object is used by one thread at a time. A copy shares the
+// A run throws nothing. An object is used by one thread at a time. A copy shares the
 // version text with its source: a later run of either changes what both report.
 class NORV_BATTERY_API NorvBatteryTestInfo {
  public:
@@ -34,8 +34,8 @@ class NORV_BATTERY_API NorvBatteryTestInfo {
   // The last failure. A later success does not clear it.
   virtual const error::Error& GetError() const;
 
-  // Runs the test program and waits for its end, without a time limit. Afterwards the result code is the status that the
-  // program reported, or -1; what failed is in GetError() where this object and not the report was at fault.
+  // Runs the test program and waits for its end, without a time limit. Afterwards the result code is the status that
+  // the program reported, or -1; what failed is in GetError() where this object and not the report was at fault.
   virtual void RunBatteryTest();
 
  protected:

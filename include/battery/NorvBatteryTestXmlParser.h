@@ -22,7 +22,8 @@ class NORV_BATTERY_API NorvBatteryTestXmlParser {
   const error::Error& GetError() const;
 
   // Starts the program file `programPath`, a full path, without arguments and waits for its end, without a time limit.
-  // True once it has ended, whatever its exit code. False when it could not be started; GetError() has the system's code.
+  // True once it has ended, whatever its exit code. False when it could not be started; GetError() has the system's
+  // code.
   bool GenerateBatteryTestXMLReport(const char* programPath);
 
   // The integer in the last element <r i="6" ...> of a report: `xmlText`, a zero-terminated text that is only read, or

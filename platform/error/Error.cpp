@@ -5,7 +5,8 @@
 
 namespace norv::shared::error {
 
-Error::Error() : failed_(false), category_(ErrorCategory::UnknownException), code_(0) {}
+Error::Error() : failed_(false), category_(ErrorCategory::UnknownException), code_(0) {
+}
 
 Error::Error(ErrorCategory category, std::int64_t code, std::string message, std::string typeText,
              std::string functionText)
@@ -14,19 +15,32 @@ Error::Error(ErrorCategory category, std::int64_t code, std::string message, std
       code_(code),
       message_(std::move(message)),
       typeText_(std::move(typeText)),
-      functionText_(std::move(functionText)) {}
+      functionText_(std::move(functionText)) {
+}
 
-Error::operator bool() const { return failed_; }
+Error::operator bool() const {
+  return failed_;
+}
 
-ErrorCategory Error::GetCategory() const { return category_; }
+ErrorCategory Error::GetCategory() const {
+  return category_;
+}
 
-std::int64_t Error::GetCode() const { return code_; }
+std::int64_t Error::GetCode() const {
+  return code_;
+}
 
-const char* Error::GetMessageText() const { return message_.c_str(); }
+const char* Error::GetMessageText() const {
+  return message_.c_str();
+}
 
-const char* Error::GetTypeText() const { return typeText_.c_str(); }
+const char* Error::GetTypeText() const {
+  return typeText_.c_str();
+}
 
-const char* Error::GetFunctionText() const { return functionText_.c_str(); }
+const char* Error::GetFunctionText() const {
+  return functionText_.c_str();
+}
 
 std::size_t Error::ToString(const Error& error, char* buffer) {
   std::string text;

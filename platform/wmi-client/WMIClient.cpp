@@ -11,7 +11,8 @@ constexpr auto kNoConnection = static_cast<long>(static_cast<std::int32_t>(0x800
 }  // namespace
 
 WMIClient::WMIClient(const std::wstring& namespacePath)
-    : connectCode_(platform::Platform::Current().ConnectWmi(namespacePath, connection_)) {}
+    : connectCode_(platform::Platform::Current().ConnectWmi(namespacePath, connection_)) {
+}
 
 WMIClient::~WMIClient() = default;
 
@@ -22,7 +23,9 @@ long WMIClient::Query(const std::wstring& wql) {
   return connection_->Query(wql);
 }
 
-bool WMIClient::GetNext() { return connection_ != nullptr && connection_->Next(); }
+bool WMIClient::GetNext() {
+  return connection_ != nullptr && connection_->Next();
+}
 
 long WMIClient::GetValue(const std::wstring& property, std::string& value) {
   return connection_ != nullptr ? connection_->ReadText(property, value) : kNoConnection;

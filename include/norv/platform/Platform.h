@@ -41,8 +41,8 @@ struct ProductVersion {
   std::uint16_t revision = 0;
 };
 
-// Everything the outside world does for the library. A platform reports facts and codes; what they mean, how a failure is
-// worded and what happens next is decided by the library.
+// Everything the outside world does for the library. A platform reports facts and codes; what they mean, how a failure
+// is worded and what happens next is decided by the library.
 //
 // Threads: the operations may be called from several threads at once. Which platform is the current one belongs to the
 // whole process: it is changed (ScopedPlatform) only while no other thread uses the library.
@@ -67,8 +67,8 @@ class NORV_BATTERY_API Platform {
                                        const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
                                        std::uint32_t* returnCode) = 0;
 
-  // Connects to a WMI namespace. Returns 0 and hands over the connection, which the caller then owns; or the code of the
-  // failure, with `connection` unchanged.
+  // Connects to a WMI namespace. Returns 0 and hands over the connection, which the caller then owns; or the code of
+  // the failure, with `connection` unchanged.
   virtual long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<WmiConnection>& connection) = 0;
 
   // Starts the program file `path` without arguments and waits, without a time limit, until it has ended. True once it
@@ -98,6 +98,10 @@ class NORV_BATTERY_API Platform {
   // operation above or of a file that the standard library could not open.
   virtual std::uint32_t LastSystemCode() = 0;
 
+  // Reports a null pointer where a function of the C runtime would have refused it: errno becomes EINVAL and, on
+  // Windows, the runtime's invalid-parameter handler is called. Elsewhere errno is all there is, which is the default.
+  virtual void ReportInvalidParameter();
+
   // Seconds since 1 January 1970 00:00:00 UTC.
   virtual std::time_t Now() = 0;
 
@@ -106,8 +110,8 @@ class NORV_BATTERY_API Platform {
   virtual std::time_t LocalTimeValue(const std::tm& calendarTime) = 0;
 };
 
-// Makes a platform the current one for as long as the object lives, then puts the one before it back. The platform stays
-// the caller's and must outlive the scope. Scopes nest and end in reverse order.
+// Makes a platform the current one for as long as the object lives, then puts the one before it back. The platform
+// stays the caller's and must outlive the scope. Scopes nest and end in reverse order.
 class NORV_BATTERY_API ScopedPlatform {
  public:
   explicit ScopedPlatform(Platform& platform);
@@ -137,6 +141,7 @@ class NORV_BATTERY_API PlatformWrapper : public Platform {
   std::optional<std::string> ProgramDataFolder() override;
   std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override;
   std::uint32_t LastSystemCode() override;
+  void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
 

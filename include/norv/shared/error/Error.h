@@ -17,16 +17,17 @@ enum class ErrorCategory : int {
   Value = 5,              // a value that is wrong, or a return code of the BIOS
 };
 
-// A value. Copying copies the texts. Every text it hands out is zero-terminated, never null, owned by the Error and valid
-// until the Error is assigned to or destroyed. An Error may be read from several threads as long as none changes it.
+// A value. Copying copies the texts. Every text it hands out is zero-terminated, never null, owned by the Error and
+// valid until the Error is assigned to or destroyed. An Error may be read from several threads as long as none changes
+// it.
 class NORV_BATTERY_API Error {
  public:
   // Nothing failed.
   Error();
 
-  // `code` is a return code, a system code or a status, as the category says. `typeText` names the type of the value that
-  // carried the code ("int", "unsigned long") or of the caught exception; `functionText` is the fully qualified name of
-  // the operation that failed, or empty.
+  // `code` is a return code, a system code or a status, as the category says. `typeText` names the type of the value
+  // that carried the code ("int", "unsigned long") or of the caught exception; `functionText` is the fully qualified
+  // name of the operation that failed, or empty.
   Error(ErrorCategory category, std::int64_t code, std::string message, std::string typeText, std::string functionText);
 
   // True when it holds a failure.

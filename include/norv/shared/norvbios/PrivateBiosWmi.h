@@ -18,9 +18,9 @@ class NORV_BATTERY_API PrivateBiosWmi {
 
   // Sends the command (first, second, third) with `inputSize` bytes of `input` and waits for the answer.
   //
-  // Returns the status of the channel in HRESULT form: 0 when the BIOS answered. Then `*returnCode` holds the return code
-  // of the BIOS (0: success) and, on success, the 128 bytes at `output` hold the answered block. With any other status
-  // `output` and `*returnCode` keep what they held. Nothing is kept of the pointers after the call.
+  // Returns the status of the channel in HRESULT form: 0 when the BIOS answered. Then `*returnCode` holds the return
+  // code of the BIOS (0: success) and, on success, the 128 bytes at `output` hold the answered block. With any other
+  // status `output` and `*returnCode` keep what they held. Nothing is kept of the pointers after the call.
   virtual std::int32_t ExecuteCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
                                       const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
                                       std::uint32_t* returnCode);

@@ -24,8 +24,8 @@ class NORV_BATTERY_API WMIClient {
   WMIClient& operator=(const WMIClient&) = delete;
   ~WMIClient();
 
-  // Runs a WQL query; the objects of an earlier one are gone. Returns 0, or the code of the failure (HRESULT form), also
-  // that of the connection.
+  // Runs a WQL query; the objects of an earlier one are gone. Returns 0, or the code of the failure (HRESULT form),
+  // also that of the connection.
   long Query(const std::wstring& wql);
 
   // Moves to the next object of the query. False when none is left, or no query has succeeded.

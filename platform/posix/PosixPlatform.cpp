@@ -1,0 +1,159 @@
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "../SystemPlatform.h"
+#include "RunProgram.h"
+#include "SystemCodes.h"
+
+namespace norv::platform {
+
+namespace {
+
+constexpr std::uint32_t kNoBatteryInSlot = 6;
+constexpr auto kClassNotRegistered = static_cast<std::int32_t>(0x80040154U);  // REGDB_E_CLASSNOTREG
+
+// Why the last operation of this thread failed. errno is 0 beside it: a later failure of the C library shows there.
+thread_local std::uint32_t lastCode = 0;
+
+void SetLastCode(std::uint32_t code) {
+  lastCode = code;
+  errno = 0;
+}
+
+// The library joins folder and file with a backslash.
+std::string NativePath(const char* path) {
+  std::string native = path;
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
+}
+
+// "1.2.3.4" and no more than blanks behind it.
+std::optional<ProductVersion> ParseVersion(const std::string& text) {
+  std::array<std::uint16_t, 4> numbers{};
+  const char* position = text.data();
+  const char* const end = position + text.size();
+  for (std::size_t index = 0; index < numbers.size(); ++index) {
+    if (index > 0 && (position == end || *position++ != '.')) {
+      return std::nullopt;
+    }
+    const auto [rest, failure] = std::from_chars(position, end, numbers[index]);
+    if (failure != std::errc()) {
+      return std::nullopt;
+    }
+    position = rest;
+  }
+  const bool whole = std::all_of(position, end, [](char blank) { return blank == ' ' || blank == '\r'; });
+  return whole ? std::optional(ProductVersion{numbers[0], numbers[1], numbers[2], numbers[3]}) : std::nullopt;
+}
+
+// The file that this code was loaded from.
+std::filesystem::path ModulePath() {
+  Dl_info module{};
+  if (dladdr(reinterpret_cast<const void*>(&ModulePath), &module) == 0 || module.dli_fname == nullptr) {
+    return {};
+  }
+  std::error_code failure;
+  const auto path = std::filesystem::canonical(module.dli_fname, failure);
+  return failure ? std::filesystem::path() : path;
+}
+
+// Linux, for development, tests and offline work: no WMI, no BIOS that knows the commands, and Windows' numbers for
+// everything that fails.
+class PosixPlatform : public Platform {
+ public:
+  std::int32_t SendBiosCommand(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
+                               const unsigned char* /*input*/, std::uint32_t /*inputSize*/, unsigned char* /*output*/,
+                               std::uint32_t* returnCode) override {
+    *returnCode = kNoBatteryInSlot;
+    return 0;
+  }
+
+  long ConnectWmi(const std::wstring& /*namespacePath*/, std::unique_ptr<WmiConnection>& /*connection*/) override {
+    return kClassNotRegistered;
+  }
+
+  bool RunProgram(const char* path) override {
+    const int failure = posix::RunProgram(NativePath(path).c_str());
+    if (failure != 0) {
+      SetLastCode(posix::SystemCode(failure));
+    }
+    return failure == 0;
+  }
+
+  // A program file has no version resource here; a text file beside it, with ".version" behind the program's name, does
+  // its work.
+  bool ReadProductVersion(const char* path, ProductVersion& version) override {
+    const std::string program = NativePath(path);
+    std::error_code failure;
+    if (!std::filesystem::exists(program, failure)) {
+      SetLastCode(failure ? posix::SystemCode(failure.value()) : posix::kFileNotFound);
+      return false;
+    }
+    std::ifstream file(program + ".version");
+    std::string line;
+    std::getline(file, line);
+    const auto parsed = ParseVersion(line);
+    if (!parsed) {
+      SetLastCode(posix::kResourceDataNotFound);
+      return false;
+    }
+    version = *parsed;
+    return true;
+  }
+
+  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override {
+    const std::string path = ModulePath().string();
+    const std::size_t length = path.copy(buffer, size - 1);
+    buffer[length] = '\0';
+    return static_cast<std::uint32_t>(length);
+  }
+
+  std::wstring ModuleName() override { return ModulePath().filename().wstring(); }
+
+  std::optional<std::string> ProgramDataFolder() override {
+    const char* folder = std::getenv("ProgramData");
+    return folder != nullptr && *folder != '\0' ? std::optional<std::string>(folder) : std::nullopt;
+  }
+
+  std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override {
+    const auto text = posix::SystemMessage(code);
+    if (!text) {
+      SetLastCode(posix::kMessageNotFound);
+      return 0;
+    }
+    if (text->size() >= size) {
+      SetLastCode(posix::kInsufficientBuffer);
+      return 0;
+    }
+    buffer[text->copy(buffer, text->size())] = '\0';
+    return static_cast<std::uint32_t>(text->size());
+  }
+
+  std::uint32_t LastSystemCode() override { return errno != 0 ? posix::SystemCode(errno) : lastCode; }
+
+  std::time_t Now() override { return std::time(nullptr); }
+
+  std::time_t LocalTimeValue(const std::tm& calendarTime) override {
+    std::tm normalised = calendarTime;
+    return std::mktime(&normalised);
+  }
+};
+
+}  // namespace
+
+// Never destroyed: a host may use the library until its very end.
+Platform& SystemPlatform() {
+  static auto* const platform = new PosixPlatform;
+  return *platform;
+}
+
+}  // namespace norv::platform

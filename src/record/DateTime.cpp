@@ -1,0 +1,116 @@
+#include "record/DateTime.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+
+#include "record/Characters.h"
+
+namespace norv::shared::battery::record {
+
+namespace {
+
+constexpr std::string_view kLayout = "0000-00-00T00:00:00?00:00";  // '?' stands for the sign of the offset
+constexpr std::size_t kSign = 19;
+
+// A number inside the text, and what it may be.
+struct Part {
+  std::size_t position;
+  std::size_t digits;
+  int lowest;
+  int highest;
+};
+
+constexpr Part kYear{0, 4, 0, 9999};
+constexpr Part kMonth{5, 2, 1, 12};
+constexpr Part kDay{8, 2, 1, 31};
+constexpr Part kHour{11, 2, 0, 23};
+constexpr Part kMinute{14, 2, 0, 59};
+constexpr Part kSecond{17, 2, 0, 60};
+constexpr Part kOffsetHours{20, 2, 0, 99};
+
+using Characters = std::array<char, kLayout.size()>;
+
+int Read(std::string_view text, Part part) {
+  int value = 0;
+  for (const char digit : text.substr(part.position, part.digits)) {
+    value = 10 * value + (digit - '0');
+  }
+  return value;
+}
+
+// Writes `value` with leading zeros. False when the part may not be that.
+bool Write(Characters& text, Part part, int value) {
+  if (value < part.lowest || value > part.highest) {
+    return false;
+  }
+  for (std::size_t end = part.position + part.digits; end > part.position; --end) {
+    text[end - 1] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  }
+  return true;
+}
+
+struct Warranty {
+  std::string_view type;
+  int years;
+  int months;
+};
+
+constexpr std::array<Warranty, 4> kWarranties{
+    {{"6_MONTHS", 0, 6}, {"1_YEAR", 1, 0}, {"2_YEARS", 2, 0}, {"3_YEARS", 3, 0}}};
+
+}  // namespace
+
+bool IsDateTimeText(std::string_view text) {
+  if (text.size() != kLayout.size() || (text[kSign] != '+' && text[kSign] != '-') ||
+      !HasLayout(text.substr(0, kSign), kLayout.substr(0, kSign)) ||
+      !HasLayout(text.substr(kSign + 1), kLayout.substr(kSign + 1))) {
+    return false;
+  }
+  constexpr std::array kRanged{kMonth, kDay, kHour, kMinute, kSecond};
+  return std::all_of(kRanged.begin(), kRanged.end(), [text](Part part) {
+    const int value = Read(text, part);
+    return value >= part.lowest && value <= part.highest;
+  });
+}
+
+DateTimeText ComposeDateTime(const DateTime& dateTime) {
+  Characters text{};
+  std::copy(kLayout.begin(), kLayout.end(), text.begin());
+  text[kSign] = dateTime.offsetHours < 0 ? '-' : '+';
+  const bool complete = Write(text, kYear, dateTime.year) && Write(text, kMonth, dateTime.month) &&
+                        Write(text, kDay, dateTime.day) && Write(text, kHour, dateTime.hour) &&
+                        Write(text, kMinute, dateTime.minute) && Write(text, kSecond, dateTime.second) &&
+                        Write(text, kOffsetHours, std::abs(dateTime.offsetHours));
+  return complete ? DateTimeText({text.data(), text.size()}) : DateTimeText();
+}
+
+DateTime ReadDate(std::string_view text) {
+  if (!IsDateTimeText(text)) {
+    return {};
+  }
+  return {.year = Read(text, kYear), .month = Read(text, kMonth), .day = Read(text, kDay)};
+}
+
+DateTime UnpackDate(unsigned short packed) {
+  constexpr int kFirstYear = 1980;
+  return {.year = (packed >> 9) + kFirstYear, .month = (packed >> 5) & 15, .day = packed & 31};
+}
+
+DateTime AddWarranty(DateTime made, std::string_view warrantyType) {
+  for (const Warranty& warranty : kWarranties) {
+    if (warranty.type == warrantyType) {
+      made.year += warranty.years;
+      made.month += warranty.months;
+      if (made.month > 12) {
+        made.year += made.month / 12;
+        made.month -= 12;
+      }
+    }
+  }
+  return made;
+}
+
+}  // namespace norv::shared::battery::record

@@ -1,0 +1,381 @@
+#include "battery/NorvBatteryInfo.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <exception>
+#include <iterator>
+#include <new>
+#include <optional>
+#include <string_view>
+
+#include "battery/NorvBatteryTestInfo.h"
+#include "diagnostics/Failures.h"
+#include "norv/platform/Platform.h"
+#include "record/BatteryInformationBlock.h"
+#include "record/Characters.h"
+#include "record/CtNumber.h"
+#include "record/DateTime.h"
+#include "record/FixedText.h"
+#include "record/ManufacturerText.h"
+#include "record/OperatingSystemRates.h"
+#include "record/Percentage.h"
+#include "record/Status.h"
+#include "record/TrailingDate.h"
+#include "record/Truncation.h"
+#include "settings/BiosBatterySettings.h"
+#include "test/ResultCodes.h"
+
+namespace norv::shared::battery {
+
+namespace {
+
+constexpr const char* kCtNumberPattern = "^6[a-zA-Z0-9]{13}$";
+constexpr const char* kGetAge = "norv::shared::battery::NorvBatteryInfo::GetAge";
+constexpr int kNoAge = -1;
+constexpr int kIdentityErrorCode = -1;
+constexpr double kSecondsPerDay = 86400.0;
+
+error::Error IdentityError(const char* message, const char* operation) {
+  return diagnostics::ValueError<int>(kIdentityErrorCode, message, operation);
+}
+
+template <std::size_t Capacity>
+record::FixedText<Capacity> ReadText(const unsigned char* block, record::Field field) {
+  return record::FixedText<Capacity>(record::Text(block, field));
+}
+
+// A device name that is not wholly letters and digits is none.
+record::FixedText<record::kDeviceName.width> ReadDeviceName(const unsigned char* block) {
+  const auto name = ReadText<record::kDeviceName.width>(block, record::kDeviceName);
+  return record::AreLettersOrDigits(name.View()) ? name : record::FixedText<record::kDeviceName.width>();
+}
+
+// Midnight, local time, of a date; without one, the calendar time whose fields are all 0. A time before 1970 has no
+// time value of its own: the runtime gives -1.
+std::time_t MidnightOf(const std::optional<record::TrailingDate>& date) {
+  std::tm calendar{};
+  if (date) {
+    calendar.tm_year = date->year - 1900;
+    calendar.tm_mon = date->month - 1;
+    calendar.tm_mday = date->day;
+  }
+  return std::max<std::time_t>(platform::Platform::Current().LocalTimeValue(calendar), -1);
+}
+
+// A field of the CT number in the buffer of its operation, which belongs to the whole process.
+template <std::size_t Size>
+const char* CopyCtField(std::string_view ctNumber, record::CtField field, char (&buffer)[Size]) {
+  const auto characters = record::FindCtField(ctNumber, field);
+  if (!characters) {
+    return "NA";
+  }
+  std::fill_n(buffer, Size, '\0');
+  characters->copy(buffer, Size - 1);
+  return buffer;
+}
+
+}  // namespace
+
+struct NorvBatteryInfo::Holdings {
+  record::FixedText<record::kSerialNumber.width> serialNumber;
+  record::FixedText<record::kManufacturer.width> manufacturer;
+  record::FixedText<record::kCtNumber.width> ctNumber;
+  record::FixedText<record::kDeviceName.width> deviceName;
+  record::DateTimeText manufacturingDate;
+  record::DateTimeText warrantyDate;
+  // Everything ever attached, the newest last.
+  std::vector<std::unique_ptr<NorvBatteryCellSwellProtectionInfo>> cellSwellProtections;
+  std::vector<std::unique_ptr<BiosBatterySettings>> settings;
+};
+
+// Leaves block and numbers as they are: the storage of a record comes zero-filled.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+NorvBatteryInfo::NorvBatteryInfo()
+    : cellSwellProtection_(nullptr),
+      testInfo_(nullptr),
+      chargeRate_(0),
+      dischargeRate_(0),
+      ctNumberPattern_(kCtNumberPattern),
+      settings_(nullptr) {
+}
+
+NorvBatteryInfo::NorvBatteryInfo(const unsigned char* block)
+    : designVoltage_(record::Word(block, record::kDesignVoltage)),
+      designEnergyCapacity_(record::Word(block, record::kDesignCapacity)),
+      fullEnergyCapacity_(record::Word(block, record::kFullChargeCapacity)),
+      remainingCapacity_(record::Word(block, record::kRemainingCapacity)),
+      maxErrorPercentage_(record::Word(block, record::kMaxError)),
+      cycleCount_(record::Word(block, record::kCycleCount)),
+      temperature_(record::Word(block, record::kTemperature)),
+      voltage_(record::Word(block, record::kVoltage)),
+      electricCurrent_(record::Word(block, record::kCurrent)),
+      statusWord_(record::Word(block, record::kBatteryStatus)),
+      cellSwellProtection_(nullptr),
+      testInfo_(nullptr),
+      chargeRate_(0),
+      dischargeRate_(0),
+      ctNumberPattern_(kCtNumberPattern),
+      settings_(nullptr),
+      holdings_(std::make_shared<Holdings>()) {
+  static_assert(sizeof block_ == record::kBlockSize);
+  std::memcpy(block_, block, sizeof block_);
+  std::transform(std::begin(record::kCellVoltages), std::end(record::kCellVoltages), std::begin(cellVoltages_),
+                 [block](record::Field cell) { return record::Word(block, cell); });
+
+  holdings_->serialNumber = ReadText<record::kSerialNumber.width>(block, record::kSerialNumber);
+  holdings_->manufacturer = ReadText<record::kManufacturer.width>(block, record::kManufacturer);
+  holdings_->ctNumber = ReadText<record::kCtNumber.width>(block, record::kCtNumber);
+  holdings_->deviceName = ReadDeviceName(block);
+
+  SetManufacturingDate(static_cast<unsigned short>(record::Word(block, record::kManufactureDate)));
+  SetWarrantyDate();
+
+  const record::Rates rates = record::ReadOperatingSystemRates();
+  chargeRate_ = rates.charge;
+  dischargeRate_ = rates.discharge;
+}
+
+NorvBatteryInfo::NorvBatteryInfo(const NorvBatteryInfo& other) = default;
+
+NorvBatteryInfo& NorvBatteryInfo::operator=(const NorvBatteryInfo& other) = default;
+
+NorvBatteryInfo::~NorvBatteryInfo() = default;
+
+void* NorvBatteryInfo::operator new(std::size_t size) {
+  return std::memset(::operator new(size), 0, size);
+}
+
+void* NorvBatteryInfo::operator new(std::size_t size, void* place) noexcept {
+  return ::operator new(size, place);
+}
+
+void NorvBatteryInfo::operator delete(void* storage) noexcept {
+  ::operator delete(storage);
+}
+
+void NorvBatteryInfo::operator delete(void* storage, void* place) noexcept {
+  ::operator delete(storage, place);
+}
+
+bool NorvBatteryInfo::IsValid() {
+  const char* defect = nullptr;
+  if (holdings_->manufacturer.View().empty()) {
+    defect = "Invalid battery manufacturer";
+  } else if (holdings_->serialNumber.View().empty()) {
+    defect = "Invalid battery serial number";
+  } else if (holdings_->deviceName.View().empty()) {
+    defect = "Invalid battery device name";
+  } else if (!record::IsCtNumber(holdings_->ctNumber.View())) {
+    defect = "Invalid battery CT number";
+  }
+  if (defect != nullptr) {
+    error_ = IdentityError(defect, "");
+  }
+  return !error_;
+}
+
+const char* NorvBatteryInfo::GetManufacturer() const {
+  return holdings_->manufacturer.Terminated();
+}
+
+const char* NorvBatteryInfo::GetCtNumber() const {
+  return holdings_->ctNumber.Terminated();
+}
+
+const char* NorvBatteryInfo::GetDeviceName() const {
+  return holdings_->deviceName.Terminated();
+}
+
+const char* NorvBatteryInfo::GetSerialNumber() const {
+  return holdings_->serialNumber.Terminated();
+}
+
+int NorvBatteryInfo::GetDesignVoltage() const {
+  return designVoltage_;
+}
+
+int NorvBatteryInfo::GetDesignEnergyCapacity() const {
+  return designEnergyCapacity_;
+}
+
+int NorvBatteryInfo::GetFullEnergyCapacity() const {
+  return fullEnergyCapacity_;
+}
+
+float NorvBatteryInfo::GetFullEnergyCapacityPercentage() const {
+  return record::TruncatedPercentage(GetFullEnergyCapacity(), GetDesignEnergyCapacity());
+}
+
+int NorvBatteryInfo::GetRemainingCapacity() const {
+  return remainingCapacity_;
+}
+
+float NorvBatteryInfo::GetRemainingEnergyCapacityPercentage() const {
+  return record::TruncatedPercentage(GetRemainingCapacity(), GetFullEnergyCapacity());
+}
+
+int NorvBatteryInfo::GetMaxErrorPercentage() const {
+  return maxErrorPercentage_;
+}
+
+int NorvBatteryInfo::GetCycleCount() const {
+  return cycleCount_;
+}
+
+int NorvBatteryInfo::GetTemperature() const {
+  return temperature_;
+}
+
+int NorvBatteryInfo::GetVoltage() const {
+  return voltage_;
+}
+
+int NorvBatteryInfo::GetElectricCurrent() const {
+  return electricCurrent_;
+}
+
+int NorvBatteryInfo::GetStatusWord() const {
+  return statusWord_;
+}
+
+void NorvBatteryInfo::GetCellVoltages(int* voltages) {
+  std::copy(std::begin(cellVoltages_), std::end(cellVoltages_), voltages);
+}
+
+const char* NorvBatteryInfo::GetManufacturingDate() {
+  return holdings_->manufacturingDate.Terminated();
+}
+
+const char* NorvBatteryInfo::GetWarrantyDate() {
+  return holdings_->warrantyDate.Terminated();
+}
+
+void NorvBatteryInfo::SetManufacturingDate(unsigned short packed) {
+  holdings_->manufacturingDate = record::ComposeDateTime(record::UnpackDate(packed));
+}
+
+void NorvBatteryInfo::SetWarrantyDate() {
+  const record::DateTime made = record::ReadDate(GetManufacturingDate());
+  holdings_->warrantyDate = record::ComposeDateTime(record::AddWarranty(made, GetWarrantyType()));
+}
+
+const char* NorvBatteryInfo::GetPackSupplier() const {
+  return record::PackSupplier(holdings_->manufacturer.View());
+}
+
+const char* NorvBatteryInfo::GetCellSupplier() const {
+  return record::CellSupplier(holdings_->manufacturer.View());
+}
+
+std::string NorvBatteryInfo::GetCalibrationType() const {
+  const auto type = record::CalibrationType(holdings_->manufacturer.View());
+  return type ? std::string(1, *type) : std::string();
+}
+
+int NorvBatteryInfo::GetOverCurrentProtection() const {
+  return record::OverCurrentProtection(holdings_->manufacturer.View(), GetDesignEnergyCapacity());
+}
+
+const char* NorvBatteryInfo::GetWarrantyType() const {
+  return record::WarrantyType(holdings_->manufacturer.View());
+}
+
+const char* NorvBatteryInfo::GetDesignCycleCount() const {
+  return record::DesignCycleCount(holdings_->manufacturer.View());
+}
+
+const char* NorvBatteryInfo::GetCtAssembly() const {
+  static char buffer[record::kCtAssembly.width + 1];
+  return CopyCtField(holdings_->ctNumber.View(), record::kCtAssembly, buffer);
+}
+
+const char* NorvBatteryInfo::GetCtRevision() const {
+  static char buffer[record::kCtRevision.width + 1];
+  return CopyCtField(holdings_->ctNumber.View(), record::kCtRevision, buffer);
+}
+
+const char* NorvBatteryInfo::GetCtSupplier() const {
+  static char buffer[record::kCtSupplier.width + 1];
+  return CopyCtField(holdings_->ctNumber.View(), record::kCtSupplier, buffer);
+}
+
+const char* NorvBatteryInfo::GetCtMfgWeek() const {
+  static char buffer[record::kCtMfgWeek.width + 1];
+  return CopyCtField(holdings_->ctNumber.View(), record::kCtMfgWeek, buffer);
+}
+
+// A serial number that ends in no date is an error, and its age is counted all the same, from no date.
+int NorvBatteryInfo::GetAge() {
+  try {
+    const std::string_view serialNumber = holdings_->serialNumber.View();
+    if (serialNumber.size() < record::kSerialNumber.width) {
+      error_ = IdentityError("Invalid battery serial number", kGetAge);
+      return kNoAge;
+    }
+    const auto date = record::FindTrailingDate(serialNumber);
+    if (!date) {
+      error_ = IdentityError("Invalid battery serial number", kGetAge);
+    }
+    const double seconds = std::difftime(platform::Platform::Current().Now(), MidnightOf(date));
+    return record::TruncateToInt(seconds / kSecondsPerDay);
+  } catch (...) {
+    error_ = diagnostics::ExceptionError(std::current_exception(), kGetAge);
+    return kNoAge;
+  }
+}
+
+NorvBatteryStatus NorvBatteryInfo::GetStatus() const {
+  return record::DecodeStatus(GetStatusWord());
+}
+
+const char* NorvBatteryInfo::GetAdaptiveBatteryOptimizerInfo() const {
+  return settings_ != nullptr ? settings_->GetAdaptiveBatteryOptimizerInfo() : "";
+}
+
+const char* NorvBatteryInfo::GetBatteryCareInfo() const {
+  return settings_ != nullptr ? settings_->GetBatteryCareInfo() : "";
+}
+
+void NorvBatteryInfo::GetBiosBatterySettings() {
+  settings_ = holdings_->settings.emplace_back(std::make_unique<BiosBatterySettings>()).get();
+}
+
+void NorvBatteryInfo::SetCellSwellProtectionInfo(const unsigned char* block) {
+  cellSwellProtection_ =
+      holdings_->cellSwellProtections.emplace_back(std::make_unique<NorvBatteryCellSwellProtectionInfo>(block)).get();
+}
+
+const NorvBatteryCellSwellProtectionInfo* NorvBatteryInfo::GetCellSwellProtectionInfo() {
+  return cellSwellProtection_;
+}
+
+void NorvBatteryInfo::SetBatteryTestInfo(const NorvBatteryTestInfo& info) {
+  testInfo_ = &info;
+}
+
+int NorvBatteryInfo::GetBatteryTestResult() const {
+  return testInfo_ != nullptr ? testInfo_->GetBatteryTestResult() : test::kNoVerdict;
+}
+
+const char* NorvBatteryInfo::GetBatteryTestResultLabel() const {
+  return testInfo_ != nullptr ? testInfo_->GetBatteryTestResultLabel() : "";
+}
+
+const char* NorvBatteryInfo::GetBatteryTestVersion() const {
+  return testInfo_ != nullptr ? testInfo_->GetBatteryTestVersion() : "";
+}
+
+unsigned int NorvBatteryInfo::GetBatteryChargeRate() {
+  return chargeRate_;
+}
+
+unsigned int NorvBatteryInfo::GetBatteryDischargeRate() {
+  return dischargeRate_;
+}
+
+const error::Error& NorvBatteryInfo::GetError() const {
+  return error_;
+}
+
+}  // namespace norv::shared::battery

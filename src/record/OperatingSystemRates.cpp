@@ -1,0 +1,48 @@
+#include "record/OperatingSystemRates.h"
+
+#include <cstdint>
+#include <new>
+
+#include "norv/shared/wmi/WMIClient.h"
+
+namespace norv::shared::battery::record {
+
+namespace {
+
+// Counts successful reads, not properties: it stops at an object after which they are exactly two, wherever they came
+// from, and otherwise goes on to the last object. A later object overwrites an earlier one.
+Rates Query() {
+  constexpr int kEnoughReads = 2;
+  Rates rates;
+  wmi::WMIClient client(L"\\\\.\\root\\wmi");
+  if (client.Query(L"SELECT * FROM BatteryStatus") != 0) {
+    return rates;
+  }
+  int reads = 0;
+  while (reads != kEnoughReads && client.GetNext()) {
+    std::uint32_t value = 0;
+    if (client.GetUInt32(L"ChargeRate", value)) {
+      rates.charge = value;
+      ++reads;
+    }
+    if (client.GetUInt32(L"DischargeRate", value)) {
+      rates.discharge = value;
+      ++reads;
+    }
+  }
+  return rates;
+}
+
+}  // namespace
+
+Rates ReadOperatingSystemRates() {
+  try {
+    return Query();
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (...) {
+    return {};
+  }
+}
+
+}  // namespace norv::shared::battery::record

@@ -1,0 +1,57 @@
+#include "settings/BiosBatterySettings.h"
+
+#include "norv/shared/wmi/WMIClient.h"
+#include "settings/PlatformExclusion.h"
+
+namespace norv::shared::battery {
+
+namespace {
+
+constexpr const char* kNotSupported = "Not supported";
+
+bool FindSetting(wmi::WMIClient& client, const std::wstring& name) {
+  return client.Query(L"SELECT * FROM Norv_BIOSSetting where Name = '" + name + L"'") == 0 && client.GetNext();
+}
+
+// The extender counts as activated only when it is enabled and its status says so.
+std::string ReadAdaptiveBatteryExtender(wmi::WMIClient& client) {
+  std::string value;
+  if (!FindSetting(client, L"Adaptive Battery Extender") || client.GetValue(L"CurrentValue", value) != 0) {
+    return kNotSupported;
+  }
+  if (value != "Enable") {
+    return "Disabled - Not Activated";
+  }
+  if (FindSetting(client, L"Adaptive Battery Extender Status")) {
+    client.GetValue(L"CurrentValue", value);  // a status that cannot be read leaves "Enable", which is not activated
+  }
+  return value == "Activated" ? "Enabled - Activated" : "Enabled - Not Activated";
+}
+
+}  // namespace
+
+BiosBatterySettings::BiosBatterySettings() : adaptiveBatteryOptimizer_(kNotSupported), batteryCare_(kNotSupported) {
+  if (IsPlatformExcluded()) {
+    return;
+  }
+  try {
+    wmi::WMIClient client(L"\\\\.\\root\\Norv\\InstrumentedBios");
+    adaptiveBatteryOptimizer_ = ReadAdaptiveBatteryExtender(client);
+    if (FindSetting(client, L"Battery Care Function")) {
+      client.GetValue(L"Value", batteryCare_);
+    }
+  } catch (...) {  // NOLINT(bugprone-empty-catch): whatever fails, the texts read so far stand
+  }
+}
+
+BiosBatterySettings::~BiosBatterySettings() = default;
+
+const char* BiosBatterySettings::GetAdaptiveBatteryOptimizerInfo() const {
+  return adaptiveBatteryOptimizer_.c_str();
+}
+
+const char* BiosBatterySettings::GetBatteryCareInfo() const {
+  return batteryCare_.c_str();
+}
+
+}  // namespace norv::shared::battery
