@@ -1,13 +1,13 @@
 // A notebook described by a file, for tests, demonstrations and offline work.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "norv/platform/Platform.h"
+#include "norv/simulator/OperationRecorder.h"
 
 namespace norv::simulator {
 
@@ -27,23 +27,19 @@ struct SampleMachine {
 // All sample machines, in the order of their names.
 std::vector<SampleMachine> SampleMachines();
 
-// One operation that the library asked of a machine, in the order in which it asked.
-struct Operation {
-  std::string name;      // that of the Platform or WmiConnection operation: "SendBiosCommand", "ConnectWmi", "Query" ...
-  std::string argument;  // "1,7,1 slot 0", the namespace, the query, the property, the path ... ; UTF-8
-};
-
-struct MachineDescription;  // the file, read
+// The machine file of a sample, for a start of one's own. Throws MachineFileError when there is no such sample.
+std::string SampleText(const std::string& name);
 
 // A machine that a file describes, as the current platform of the process for as long as the object lives.
 //
 //   auto machine = norv::simulator::SimulatedMachine::FromSample("two-batteries");
 //   norv::shared::battery::NorvBatteries batteries;   // reads the simulated machine
 //
-// Machines nest and end in reverse order. One thread at a time.
+// Machines nest and end in reverse order. They are made and destroyed while no other thread uses the library; in
+// between the threads' rules are those of every platform.
 class SimulatedMachine {
  public:
-  // Each throws MachineFileError.
+  // Each throws MachineFileError. `name` stands for the file in messages.
   static std::unique_ptr<SimulatedMachine> FromFile(const std::string& path);
   static std::unique_ptr<SimulatedMachine> FromText(const std::string& json, const std::string& name);
   static std::unique_ptr<SimulatedMachine> FromSample(const std::string& name);
@@ -54,10 +50,10 @@ class SimulatedMachine {
 
   const std::string& Description() const;
 
-  // Everything asked of the machine so far.
+  // Everything asked of the machine so far, in order.
   const std::vector<Operation>& Operations() const;
 
-  // The machine as a platform, faults and recording included.
+  // The machine as a platform, its faults and the recording included. It lives as long as the machine.
   platform::Platform& AsPlatform();
 
  private:

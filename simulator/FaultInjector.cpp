@@ -1,0 +1,251 @@
+#include "norv/simulator/FaultInjector.h"
+
+#include <map>
+#include <mutex>
+#include <new>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "OperationText.h"
+#include "Text.h"
+
+namespace norv::simulator {
+
+namespace {
+
+void ThrowIfAsked(FaultEffect effect) {
+  switch (effect) {
+    case FaultEffect::ThrowsRuntimeError:
+      throw std::runtime_error(kInjectedText);
+    case FaultEffect::ThrowsSystemError:
+      throw std::system_error(std::make_error_code(std::errc::permission_denied), kInjectedText);
+    case FaultEffect::ThrowsBadAlloc:
+      throw std::bad_alloc();
+    case FaultEffect::ThrowsInt:
+      throw int{kInjectedNumber};
+    case FaultEffect::ThrowsUnsignedLong:
+      throw static_cast<unsigned long>(kInjectedNumber);
+    case FaultEffect::ThrowsString:
+      throw std::string(kInjectedText);
+    case FaultEffect::ThrowsText:
+      throw kInjectedText;
+    case FaultEffect::ThrowsOther:
+      throw InjectedException{};
+    case FaultEffect::Status:
+    case FaultEffect::ReturnCode:
+    case FaultEffect::Code:
+    case FaultEffect::Fails:
+      return;
+  }
+}
+
+// A status or code as the signed number that it is in an HRESULT, whatever the width of long.
+long ToCode(std::uint32_t number) {
+  return static_cast<std::int32_t>(number);
+}
+
+}  // namespace
+
+// The faults, how often each has met a call that it fits, and the system code that each thread was left with.
+class FaultInjector::Plan {
+ public:
+  explicit Plan(std::vector<Fault> faults) {
+    for (Fault& fault : faults) {
+      armed_.push_back({std::move(fault), 0});
+    }
+  }
+
+  // Counts the call. The fault that strikes it, if any; throws what that one throws.
+  std::optional<Fault> Strike(const char* operation, const std::string& argument = {}) {
+    const std::optional<Fault> fault = Count(operation, argument);
+    if (fault.has_value()) {
+      ThrowIfAsked(fault->effect);
+    }
+    return fault;
+  }
+
+  void LeaveSystemCode(std::uint32_t code) {
+    const std::lock_guard lock(mutex_);
+    systemCodes_[std::this_thread::get_id()] = code;
+  }
+
+  std::optional<std::uint32_t> SystemCode() {
+    const std::lock_guard lock(mutex_);
+    const auto found = systemCodes_.find(std::this_thread::get_id());
+    return found != systemCodes_.end() ? std::optional(found->second) : std::nullopt;
+  }
+
+ private:
+  struct Armed {
+    Fault fault;
+    unsigned calls;
+  };
+
+  std::optional<Fault> Count(std::string_view operation, const std::string& argument) {
+    const std::lock_guard lock(mutex_);
+    if (operation != kLastSystemCode) {
+      systemCodes_.erase(std::this_thread::get_id());
+    }
+    std::optional<Fault> struck;
+    for (Armed& armed : armed_) {
+      const Fault& fault = armed.fault;
+      if (fault.operation != operation || (fault.argument.has_value() && *fault.argument != argument)) {
+        continue;
+      }
+      ++armed.calls;
+      if (!struck.has_value() && (!fault.call.has_value() || *fault.call == armed.calls)) {
+        struck = fault;
+      }
+    }
+    return struck;
+  }
+
+  std::mutex mutex_;
+  std::vector<Armed> armed_;
+  std::map<std::thread::id, std::uint32_t> systemCodes_;
+};
+
+class FaultInjector::Connection : public platform::WmiConnection {
+ public:
+  Connection(std::shared_ptr<Plan> plan, std::unique_ptr<platform::WmiConnection> inner)
+      : plan_(std::move(plan)), inner_(std::move(inner)) {}
+
+  // A failed query leaves no objects, not even those of the query before it.
+  long Query(const std::wstring& wql) override {
+    const std::optional<Fault> fault = plan_->Strike(kQuery, ToUtf8(wql));
+    hasObjects_ = !fault.has_value();
+    return fault.has_value() ? ToCode(fault->number) : inner_->Query(wql);
+  }
+
+  bool Next() override { return !plan_->Strike(kNext).has_value() && hasObjects_ && inner_->Next(); }
+
+  long ReadText(const std::wstring& property, std::string& value) override {
+    const std::optional<Fault> fault = plan_->Strike(kReadText, ToUtf8(property));
+    return fault.has_value() ? ToCode(fault->number) : inner_->ReadText(property, value);
+  }
+
+  bool ReadNumber(const std::wstring& property, std::uint32_t& value) override {
+    return !plan_->Strike(kReadNumber, ToUtf8(property)).has_value() && inner_->ReadNumber(property, value);
+  }
+
+ private:
+  std::shared_ptr<Plan> plan_;
+  std::unique_ptr<platform::WmiConnection> inner_;
+  bool hasObjects_ = true;
+};
+
+FaultInjector::FaultInjector(platform::Platform& inner, std::vector<Fault> faults) : PlatformWrapper(inner) {
+  for (const Fault& fault : faults) {
+    const std::string problem = FaultProblem(fault);
+    if (!problem.empty()) {
+      throw std::invalid_argument(problem);
+    }
+  }
+  plan_ = std::make_shared<Plan>(std::move(faults));
+}
+
+FaultInjector::~FaultInjector() = default;
+
+std::int32_t FaultInjector::SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                                            const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
+                                            std::uint32_t* returnCode) {
+  const std::optional<Fault> fault =
+      plan_->Strike(kSendBiosCommand, BiosCommandText(first, second, third, input, inputSize));
+  if (!fault.has_value()) {
+    return Inner().SendBiosCommand(first, second, third, input, inputSize, output, returnCode);
+  }
+  if (fault->effect == FaultEffect::Status) {
+    return static_cast<std::int32_t>(fault->number);
+  }
+  if (returnCode != nullptr) {
+    *returnCode = fault->number;
+  }
+  return 0;
+}
+
+long FaultInjector::ConnectWmi(const std::wstring& namespacePath,
+                               std::unique_ptr<platform::WmiConnection>& connection) {
+  const std::optional<Fault> fault = plan_->Strike(kConnectWmi, ToUtf8(namespacePath));
+  if (fault.has_value()) {
+    return ToCode(fault->number);
+  }
+  std::unique_ptr<platform::WmiConnection> inner;
+  const long code = Inner().ConnectWmi(namespacePath, inner);
+  if (inner != nullptr) {
+    connection = std::make_unique<Connection>(plan_, std::move(inner));
+  }
+  return code;
+}
+
+bool FaultInjector::RunProgram(const char* path) {
+  const std::optional<Fault> fault = plan_->Strike(kRunProgram, PathText(path));
+  if (!fault.has_value()) {
+    return Inner().RunProgram(path);
+  }
+  plan_->LeaveSystemCode(fault->number);
+  return false;
+}
+
+bool FaultInjector::ReadProductVersion(const char* path, platform::ProductVersion& version) {
+  const std::optional<Fault> fault = plan_->Strike(kReadProductVersion, PathText(path));
+  if (!fault.has_value()) {
+    return Inner().ReadProductVersion(path, version);
+  }
+  plan_->LeaveSystemCode(fault->number);
+  return false;
+}
+
+std::uint32_t FaultInjector::LibraryPath(char* buffer, std::uint32_t size) {
+  if (!plan_->Strike(kLibraryPath).has_value()) {
+    return Inner().LibraryPath(buffer, size);
+  }
+  if (size > 0) {
+    buffer[0] = '\0';
+  }
+  return 0;
+}
+
+std::wstring FaultInjector::ModuleName() {
+  return plan_->Strike(kModuleName).has_value() ? std::wstring() : Inner().ModuleName();
+}
+
+std::optional<std::string> FaultInjector::ProgramDataFolder() {
+  return plan_->Strike(kProgramDataFolder).has_value() ? std::nullopt : Inner().ProgramDataFolder();
+}
+
+std::uint32_t FaultInjector::FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) {
+  const std::optional<Fault> fault = plan_->Strike(kFormatSystemMessage, std::to_string(code));
+  if (!fault.has_value()) {
+    return Inner().FormatSystemMessage(code, buffer, size);
+  }
+  plan_->LeaveSystemCode(fault->number);
+  return 0;
+}
+
+std::uint32_t FaultInjector::LastSystemCode() {
+  const std::optional<Fault> fault = plan_->Strike(kLastSystemCode);
+  if (fault.has_value()) {
+    return fault->number;
+  }
+  const std::optional<std::uint32_t> left = plan_->SystemCode();
+  return left.has_value() ? *left : Inner().LastSystemCode();
+}
+
+void FaultInjector::ReportInvalidParameter() {
+  plan_->Strike(kReportInvalidParameter);
+  Inner().ReportInvalidParameter();
+}
+
+std::time_t FaultInjector::Now() {
+  plan_->Strike(kNow);
+  return Inner().Now();
+}
+
+std::time_t FaultInjector::LocalTimeValue(const std::tm& calendarTime) {
+  const bool fails = plan_->Strike(kLocalTimeValue, CalendarTimeText(calendarTime)).has_value();
+  return fails ? std::time_t{-1} : Inner().LocalTimeValue(calendarTime);
+}
+
+}  // namespace norv::simulator

@@ -1,0 +1,57 @@
+#include "PrivateFolder.h"
+
+#include <fstream>
+#include <random>
+#include <system_error>
+
+namespace norv::simulator {
+
+namespace {
+
+constexpr int kAttempts = 16;
+
+// Creates a folder of a name that nobody else uses; empty when there is no place for one.
+std::filesystem::path MakeFolder() {
+  std::error_code failure;
+  const std::filesystem::path parent = std::filesystem::temp_directory_path(failure);
+  std::random_device random;
+  for (int attempt = 0; !failure && attempt < kAttempts; ++attempt) {
+    const std::string number = std::to_string(random()) + std::to_string(random());
+    std::filesystem::path folder = parent / ("norv-simulated-machine-" + number);
+    if (std::filesystem::create_directory(folder, failure)) {
+      std::filesystem::permissions(folder, std::filesystem::perms::owner_all, failure);
+      return folder;
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+PrivateFolder::~PrivateFolder() {
+  if (!path_.empty()) {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+}
+
+std::string PrivateFolder::Path() {
+  const std::lock_guard lock(mutex_);
+  if (path_.empty()) {
+    path_ = MakeFolder();
+  }
+  return path_.string();
+}
+
+void PrivateFolder::WriteReport(const std::string& report) {
+  const std::filesystem::path root = Path();
+  if (root.empty()) {
+    return;
+  }
+  const std::filesystem::path folder = root / "Quellbrook" / "Tavenhall" / "Resources" / "Temp";
+  std::error_code ignored;
+  std::filesystem::create_directories(folder, ignored);
+  std::ofstream(folder / "Battery.xml", std::ios::binary) << report;
+}
+
+}  // namespace norv::simulator

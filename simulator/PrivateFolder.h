@@ -1,0 +1,31 @@
+// A temporary program-data folder.
+#pragma once
+
+#include <filesystem>
+#include <mutex>
+#include <string>
+
+namespace norv::simulator {
+
+// Made on first use under the system's temporary folder, readable by its owner only, and removed with everything in it
+// when the object is destroyed.
+class PrivateFolder {
+ public:
+  PrivateFolder() = default;
+  PrivateFolder(const PrivateFolder&) = delete;
+  PrivateFolder& operator=(const PrivateFolder&) = delete;
+  ~PrivateFolder();
+
+  // Empty when it cannot be made.
+  std::string Path();
+
+  // Leaves `report` where the battery test program leaves its report. Where that cannot be written there is none, as
+  // with the real program.
+  void WriteReport(const std::string& report);
+
+ private:
+  std::mutex mutex_;
+  std::filesystem::path path_;
+};
+
+}  // namespace norv::simulator

@@ -1,0 +1,26 @@
+// A connection to a namespace of a simulated machine.
+#pragma once
+
+#include <memory>
+
+#include "MachineDescription.h"
+
+namespace norv::simulator {
+
+// A success or failure code of COM; the names are those of wbemcli.h and winerror.h.
+inline constexpr std::uint32_t kWbemNotFound = 0x80041002;
+inline constexpr std::uint32_t kWbemInvalidNamespace = 0x8004100E;
+inline constexpr std::uint32_t kWbemInvalidClass = 0x80041010;
+inline constexpr std::uint32_t kWbemInvalidQuery = 0x80041017;
+inline constexpr std::uint32_t kDispTypeMismatch = 0x80020005;
+
+// A code as the signed number that it is in an HRESULT, whatever the width of long.
+inline long ToHresult(std::uint32_t code) {
+  return static_cast<std::int32_t>(code);
+}
+
+// `machine` keeps `description` alive for as long as the connection lives.
+std::unique_ptr<platform::WmiConnection> ConnectTo(std::shared_ptr<const MachineDescription> machine,
+                                                   const NamespaceDescription& description);
+
+}  // namespace norv::simulator

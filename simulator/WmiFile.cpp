@@ -1,0 +1,87 @@
+#include "WmiFile.h"
+
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "Text.h"
+
+namespace norv::simulator {
+
+namespace {
+
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
+PropertyValue ReadProperty(const JsonNode& property) {
+  const nlohmann::json& value = property.Value();
+  switch (value.type()) {
+    case nlohmann::json::value_t::null:
+      return std::monostate{};
+    case nlohmann::json::value_t::boolean:
+      return value.get<bool>();
+    case nlohmann::json::value_t::number_integer:
+      return value.get<std::int64_t>();
+    case nlohmann::json::value_t::number_unsigned:
+      return value.get<std::uint64_t>();
+    case nlohmann::json::value_t::number_float:
+      return value.get<double>();
+    case nlohmann::json::value_t::string:
+      return property.Text();
+    case nlohmann::json::value_t::object:
+      property.ExpectKeys({"fail"});
+      return FailedRead{property.RequiredMember("fail", "the code that reading it gives").SignedCode()};
+    default:
+      property.FailExpecting("a text, a number, true, false, null or {\"fail\": code}");
+  }
+}
+
+Row ReadRow(const JsonNode& node) {
+  Row row;
+  for (const JsonNode& property : node.Members()) {
+    if (!row.emplace(Folded(property.Name()), ReadProperty(property)).second) {
+      property.Fail("this property stands twice (letter case does not count), expected it once");
+    }
+  }
+  return row;
+}
+
+ClassDescription ReadClass(const JsonNode& node) {
+  ClassDescription description;
+  if (node.IsObject()) {
+    node.ExpectKeys({"queryFails"});
+    description.queryCode = node.RequiredMember("queryFails", "the code that its queries give").SignedCode();
+    return description;
+  }
+  for (const JsonNode& row : node.Items(kAnyNumber)) {
+    description.rows.push_back(ReadRow(row));
+  }
+  return description;
+}
+
+NamespaceDescription ReadNamespace(const JsonNode& node) {
+  NamespaceDescription description;
+  if (node.IsObject() && node.Member("connectFails")) {
+    node.ExpectKeys({"connectFails"});
+    description.connectCode = node.Member("connectFails")->SignedCode();
+    return description;
+  }
+  for (const JsonNode& wmiClass : node.Members()) {
+    if (!description.classes.emplace(Folded(wmiClass.Name()), ReadClass(wmiClass)).second) {
+      wmiClass.Fail("this class stands twice (letter case does not count), expected it once");
+    }
+  }
+  return description;
+}
+
+}  // namespace
+
+std::map<std::string, NamespaceDescription> ReadWmi(const JsonNode& wmi) {
+  std::map<std::string, NamespaceDescription> namespaces;
+  for (const JsonNode& node : wmi.Members()) {
+    if (!namespaces.emplace(NamespaceKey(node.Name()), ReadNamespace(node)).second) {
+      node.Fail("this namespace stands twice (letter case and a leading \\\\.\\ do not count), expected it once");
+    }
+  }
+  return namespaces;
+}
+
+}  // namespace norv::simulator
