@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace norv::tool {
+
+enum class Command { Report, Machines };
+enum class Format { Text, Json };
+
+struct Arguments {
+  Command command = Command::Report;
+  std::optional<std::string> machine;  // a sample's name or a file; nothing for the running machine
+  Format format = Format::Text;
+  unsigned int logSeverity = 0;  // a plog severity
+  bool cellSwell = false;
+  bool test = false;
+};
+
+// What the command line asks for.
+struct ParsedArguments {
+  std::optional<Arguments> arguments;  // nothing when there is nothing left to do but to print
+  std::string output;                  // for standard output: the help or the version asked for
+  std::string complaint;               // what is wrong with the command line
+};
+
+ParsedArguments ParseArguments(int argc, const char* const* argv);
+
+}  // namespace norv::tool

@@ -1,0 +1,50 @@
+#include "Machine.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "EscapeText.h"
+
+namespace norv::tool {
+
+namespace {
+
+using simulator::SimulatedMachine;
+
+bool IsFileName(const std::string& name) {
+  return name.find_first_of("/\\") != std::string::npos || name.ends_with(".json");
+}
+
+bool IsSample(const std::string& name) {
+  const auto samples = simulator::SampleMachines();
+  return std::any_of(samples.begin(), samples.end(), [&name](const auto& sample) { return sample.name == name; });
+}
+
+Machine Attach(const char* kind, const std::string& name, std::unique_ptr<SimulatedMachine> machine) {
+  Source source{kind, name, machine->Description()};
+  return {std::move(source), std::move(machine)};
+}
+
+}  // namespace
+
+Machine ChooseMachine(const std::optional<std::string>& name) {
+  if (!name) {
+    return {};
+  }
+  if (IsFileName(*name)) {
+    return Attach("file", *name, SimulatedMachine::FromFile(*name));
+  }
+  if (IsSample(*name)) {
+    return Attach("sample", *name, SimulatedMachine::FromSample(*name));
+  }
+  std::error_code ignored;
+  if (!std::filesystem::exists(*name, ignored)) {
+    throw simulator::MachineFileError("'" + EscapeText(*name) +
+                                      "' is neither a sample machine ('norv-battery machines' lists them) nor a file");
+  }
+  return Attach("file", *name, SimulatedMachine::FromFile(*name));
+}
+
+}  // namespace norv::tool

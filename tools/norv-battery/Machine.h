@@ -1,0 +1,22 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Report.h"
+#include "norv/simulator/SimulatedMachine.h"
+
+namespace norv::tool {
+
+// The machine that a report reads: while it lives, the library meets it.
+struct Machine {
+  Source source;
+  std::unique_ptr<simulator::SimulatedMachine> simulated;  // null for the running machine
+};
+
+// Takes the running machine without a `name`. A name with a slash in it or ".json" at its end is that of a file; any
+// other is a sample's, or where there is no such sample a file's. Throws simulator::MachineFileError.
+Machine ChooseMachine(const std::optional<std::string>& name);
+
+}  // namespace norv::tool

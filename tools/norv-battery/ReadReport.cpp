@@ -1,0 +1,194 @@
+#include "ReadReport.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "TestProgress.h"
+#include "battery/NorvBatteries.h"
+#include "battery/NorvBatteryInfo.h"
+#include "battery/NorvBatteryTestInfo.h"
+
+namespace norv::tool {
+
+using shared::battery::NorvBatteries;
+using shared::battery::NorvBatteryCellSwellProtectionInfo;
+using shared::battery::NorvBatteryInfo;
+using shared::battery::NorvBatteryStatus;
+using shared::battery::NorvBatteryTestInfo;
+using shared::error::Error;
+
+namespace {
+
+std::optional<Failure> ReadFailure(const Error& error) {
+  if (!error) {
+    return std::nullopt;
+  }
+  return Failure{static_cast<int>(error.GetCategory()), error.GetCode(), error.GetMessageText(), error.GetTypeText(),
+                 error.GetFunctionText()};
+}
+
+Identity ReadIdentity(const NorvBatteryInfo& battery) {
+  return {battery.GetManufacturer(), battery.GetDeviceName(), battery.GetSerialNumber(), battery.GetCtNumber()};
+}
+
+Capacity ReadCapacity(NorvBatteryInfo& battery) {
+  return {
+      .designCapacity = battery.GetDesignEnergyCapacity(),
+      .fullChargeCapacity = battery.GetFullEnergyCapacity(),
+      .fullChargeCapacityPercentage = battery.GetFullEnergyCapacityPercentage(),
+      .remainingCapacity = battery.GetRemainingCapacity(),
+      .remainingCapacityPercentage = battery.GetRemainingEnergyCapacityPercentage(),
+      .maxError = battery.GetMaxErrorPercentage(),
+      .cycleCount = battery.GetCycleCount(),
+      .designVoltage = battery.GetDesignVoltage(),
+      .voltage = battery.GetVoltage(),
+      .current = battery.GetElectricCurrent(),
+      .temperature = battery.GetTemperature(),
+      .chargeRate = battery.GetBatteryChargeRate(),
+      .dischargeRate = battery.GetBatteryDischargeRate(),
+  };
+}
+
+Cells ReadCells(NorvBatteryInfo& battery) {
+  Cells cells;
+  battery.GetCellVoltages(cells.voltages.data());
+  auto present = cells.voltages;
+  // A pack of fewer than four cells reads 0 for the ones that it lacks; they say nothing about its balance.
+  const auto end = std::remove(present.begin(), present.end(), 0);
+  if (end != present.begin()) {
+    const auto [lowest, highest] = std::minmax_element(present.begin(), end);
+    cells.spread = *highest - *lowest;
+  }
+  return cells;
+}
+
+Status ReadStatus(const NorvBatteryInfo& battery) {
+  const NorvBatteryStatus status = battery.GetStatus();
+  return {battery.GetStatusWord(),
+          status.errorCode,
+          {
+              {"fullyDischarged", "fully discharged", status.fullyDischarged},
+              {"fullyCharged", "fully charged", status.fullyCharged},
+              {"discharging", "discharging", status.discharging},
+              {"initialized", "initialized", status.initialized},
+              {"remainingTimeAlarm", "remaining time alarm", status.remainingTimeAlarm},
+              {"remainingCapacityAlarm", "remaining capacity alarm", status.remainingCapacityAlarm},
+              {"reservedBit10", "reserved bit 10", status.reservedBit10},
+              {"terminateDischargeAlarm", "terminate discharge alarm", status.terminateDischargeAlarm},
+              {"overTemperatureAlarm", "over temperature alarm", status.overTemperatureAlarm},
+              {"reservedBit13", "reserved bit 13", status.reservedBit13},
+              {"terminateChargeAlarm", "terminate charge alarm", status.terminateChargeAlarm},
+              {"overChargedAlarm", "over charged alarm", status.overChargedAlarm},
+          }};
+}
+
+Attributes ReadAttributes(const NorvBatteryInfo& battery) {
+  return {
+      .packSupplier = battery.GetPackSupplier(),
+      .cellSupplier = battery.GetCellSupplier(),
+      .calibrationType = battery.GetCalibrationType(),
+      .overCurrentProtection = battery.GetOverCurrentProtection(),
+      .designCycleCount = battery.GetDesignCycleCount(),
+      .ctAssembly = battery.GetCtAssembly(),
+      .ctRevision = battery.GetCtRevision(),
+      .ctSupplier = battery.GetCtSupplier(),
+      .ctManufacturingWeek = battery.GetCtMfgWeek(),
+  };
+}
+
+std::vector<Named<int>> ReadCellSwellProtection(NorvBatteryInfo& battery) {
+  const NorvBatteryCellSwellProtectionInfo* info = battery.GetCellSwellProtectionInfo();
+  if (info == nullptr) {
+    return {};
+  }
+  return {
+      {"timeCharge", "Time charging", info->GetTimeCharge()},
+      {"timeDischarge", "Time discharging", info->GetTimeDischarge()},
+      {"timeRelax", "Time relaxed (idle)", info->GetTimeRelax()},
+      {"timeSleep", "Time sleeping", info->GetTimeSleep()},
+      {"timeFullCharge", "Time at full charge", info->GetTimeFullCharge()},
+      {"timeRsoc", "Time against state of charge", info->GetTimeRSOC()},
+      {"levelATime", "Time in level A", info->GetCSPATime()},
+      {"levelBTime", "Time in level B", info->GetCSPBTime()},
+      {"levelARunningTime", "Level A running time", info->GetCSPARunningTime()},
+      {"levelBRunningTime", "Level B running time", info->GetCSPBRunningTime()},
+      {"levelATemperature1Time", "Level A in temperature band 1", info->GetCSPATemp1Time()},
+      {"levelBTemperature1Time", "Level B in temperature band 1", info->GetCSPBTemp1Time()},
+      {"levelATemperature2Time", "Level A in temperature band 2", info->GetCSPATemp2Time()},
+      {"levelBTemperature2Time", "Level B in temperature band 2", info->GetCSPBTemp2Time()},
+  };
+}
+
+Validity ReadValidity(NorvBatteryInfo& battery) {
+  const bool valid = battery.IsValid();
+  return {valid, ReadFailure(battery.GetError())};
+}
+
+// IsValid and GetAge share the record's error. The failures of GetAge alone name their operation, which tells a fresh
+// one from the defect that IsValid left there.
+Age ReadAge(NorvBatteryInfo& battery) {
+  Age age{battery.GetAge(), ReadFailure(battery.GetError())};
+  if (age.error && age.error->function.empty()) {
+    age.error.reset();
+  }
+  return age;
+}
+
+BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
+  BatteryReport report;
+  report.slot = slot;
+  // Validity before age: the error that GetAge leaves would make the record invalid.
+  report.validity = ReadValidity(battery);
+  report.identity = ReadIdentity(battery);
+  report.capacity = ReadCapacity(battery);
+  report.cells = ReadCells(battery);
+  report.status = ReadStatus(battery);
+  report.attributes = ReadAttributes(battery);
+  report.settings = {battery.GetAdaptiveBatteryOptimizerInfo(), battery.GetBatteryCareInfo()};
+  report.cellSwellProtection = ReadCellSwellProtection(battery);
+  report.testVerdict = {battery.GetBatteryTestResult(), battery.GetBatteryTestResultLabel(),
+                        battery.GetBatteryTestVersion()};
+  report.dates = {battery.GetManufacturingDate(), battery.GetWarrantyType(), battery.GetWarrantyDate(),
+                  ReadAge(battery)};
+  return report;
+}
+
+TestReport RunTest(NorvBatteries& batteries, NorvBatteryTestInfo& test) {
+  {
+    const TestProgress progress;
+    test.RunBatteryTest();
+  }
+  const bool takenOver = batteries.RunBatteryTest();
+  TestReport report;
+  report.verdict = {test.GetBatteryTestResult(), test.GetBatteryTestResultLabel(), test.GetBatteryTestVersion()};
+  report.error = ReadFailure(test.GetError());
+  if (!takenOver) {
+    report.collectionError = ReadFailure(batteries.GetError());
+  }
+  return report;
+}
+
+}  // namespace
+
+Report ReadReport(const Source& source, const ReadOptions& options) {
+  auto test = options.test ? std::make_unique<NorvBatteryTestInfo>() : nullptr;
+  NorvBatteryTestInfo* const runner = test.get();
+  // The collection keeps its last failure only. The test runs after the collection was read, and not within it, so that
+  // a failed test does not hide why a battery could not be read.
+  NorvBatteries batteries(options.cellSwell, false, nullptr, test.release());
+  Report report;
+  report.source = source;
+  report.cellSwellRequested = options.cellSwell;
+  report.readError = ReadFailure(batteries.GetError());
+  if (runner != nullptr) {
+    report.test = RunTest(batteries, *runner);
+  }
+  for (unsigned char slot = 0; slot < kSlotCount; ++slot) {
+    if (NorvBatteryInfo* battery = batteries.Query(slot)) {
+      report.batteries.at(slot) = ReadBattery(slot, *battery);
+    }
+  }
+  return report;
+}
+
+}  // namespace norv::tool

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Report.h"
+
+namespace norv::tool {
+
+struct ReadOptions {
+  bool cellSwell = false;
+  bool test = false;
+};
+
+// Reads both slots through the library and, if asked to, runs the battery test, which takes as long as the test program
+// does. The current platform answers.
+Report ReadReport(const Source& source, const ReadOptions& options);
+
+}  // namespace norv::tool

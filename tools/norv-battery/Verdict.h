@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace norv::tool {
+
+// What a result code of the battery test says, in plain words.
+struct Verdict {
+  const char* verdictClass;  // "OK", "CALIBRATE", "WEAK", "FAIL", "NO_BATTERY", "VERY_WEAK" or "UNKNOWN"
+  const char* meaning;       // of the class
+  const char* qualifier;     // what the code adds to its class; empty when it adds nothing
+};
+
+// Nothing when the code belongs to no class.
+std::optional<Verdict> ExplainResult(int code);
+
+// True when the code's class is FAIL.
+bool IsFailure(int code);
+
+}  // namespace norv::tool

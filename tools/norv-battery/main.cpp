@@ -1,0 +1,88 @@
+#include <algorithm>
+#include <exception>
+#include <string>
+
+#include "Arguments.h"
+#include "EscapeText.h"
+#include "LogToStandardError.h"
+#include "Machine.h"
+#include "ReadReport.h"
+#include "StandardStreams.h"
+#include "Verdict.h"
+#include "WriteReport.h"
+
+namespace norv::tool {
+
+namespace {
+
+enum ExitStatus : int {
+  kSuccess = 0,
+  kNoBattery = 1,
+  kUnusable = 2,  // arguments, machine file or output
+  kTestFailed = 3,
+};
+
+std::string SampleList() {
+  const auto samples = simulator::SampleMachines();
+  std::size_t width = 0;
+  for (const auto& sample : samples) {
+    width = std::max(width, sample.name.size());
+  }
+  std::string text;
+  for (const auto& sample : samples) {
+    text += sample.name + std::string(width + 2 - sample.name.size(), ' ') + EscapeText(sample.description) + '\n';
+  }
+  return text;
+}
+
+int StatusOf(const Report& report) {
+  if (report.test && IsFailure(report.test->verdict.result)) {
+    return kTestFailed;
+  }
+  return report.HasBattery() ? kSuccess : kNoBattery;
+}
+
+int MakeReport(const Arguments& arguments) {
+  const Machine machine = ChooseMachine(arguments.machine);
+  if (arguments.logSeverity > 0) {
+    LogToStandardError(arguments.logSeverity);
+  }
+  const Report report = ReadReport(machine.source, {arguments.cellSwell, arguments.test});
+  if (!WriteToStandardOutput(arguments.format == Format::Json ? JsonReport(report) : TextReport(report))) {
+    return kUnusable;
+  }
+  if (!arguments.machine && !report.HasBattery()) {
+    Complain(
+        "no battery of this machine could be read. For the report of a sample machine, type\n"
+        "  norv-battery report --machine two-batteries");
+  }
+  return StatusOf(report);
+}
+
+int Run(int argc, const char* const* argv) {
+  const ParsedArguments parsed = ParseArguments(argc, argv);
+  if (!parsed.complaint.empty()) {
+    Complain(parsed.complaint + "\n'norv-battery --help' tells what can be asked for.");
+    return kUnusable;
+  }
+  if (!parsed.arguments) {
+    return WriteToStandardOutput(parsed.output) ? kSuccess : kUnusable;
+  }
+  if (parsed.arguments->command == Command::Machines) {
+    return WriteToStandardOutput(SampleList()) ? kSuccess : kUnusable;
+  }
+  return MakeReport(*parsed.arguments);
+}
+
+}  // namespace
+
+}  // namespace norv::tool
+
+int main(int argc, char** argv) {
+  try {
+    return norv::tool::Run(argc, argv);
+  } catch (const std::exception& failure) {
+    norv::tool::Complain(failure.what());
+    return norv::tool::kUnusable;
+  }
+}
