@@ -53,7 +53,7 @@ void DescribeReport(CLI::App& command, Arguments& arguments) {
 // The long text of the subcommand that was named, if one was, otherwise of the tool.
 std::string Help(const CLI::App& app) {
   const auto named = app.get_subcommands();
-  return named.empty() ? app.help() : named.front()->help();
+  return named.empty() ? app.help() : named.front()->help(app.get_name());
 }
 
 }  // namespace
@@ -74,7 +74,10 @@ ParsedArguments ParseArguments(int argc, const char* const* argv) {
   } catch (const CLI::CallForVersion&) {
     return {std::nullopt, app.version() + "\n", ""};
   } catch (const CLI::ParseError& error) {
-    return {std::nullopt, "", error.what()};
+    // A misspelt command is first missed, and only then found to be left over.
+    const bool isUnknownCommand = app.get_subcommands().empty() && app.remaining_size() > 0;
+    return {std::nullopt, "",
+            isUnknownCommand ? "there is no command or option '" + app.remaining().front() + "'" : error.what()};
   }
   arguments.command = machines->parsed() ? Command::Machines : Command::Report;
   return {arguments, "", ""};

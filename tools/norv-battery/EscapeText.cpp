@@ -1,7 +1,5 @@
 #include "EscapeText.h"
 
-#include <cstddef>
-
 namespace norv::tool {
 
 namespace {
@@ -16,18 +14,28 @@ void AppendEscaped(std::string& text, unsigned char byte) {
 
 }  // namespace
 
-std::string EscapeText(std::string_view bytes) {
+std::string EscapeBytes(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(bytes[i]);
-    const bool printable = byte >= 0x20 && byte <= 0x7E && byte != '\\';
-    const bool blankAtAnEnd = byte == ' ' && (i == 0 || i + 1 == bytes.size());
-    if (printable && !blankAtAnEnd) {
-      text += bytes[i];
+  for (const char character : bytes) {
+    if (character >= ' ' && character <= '~' && character != '\\') {
+      text += character;
     } else {
-      AppendEscaped(text, byte);
+      AppendEscaped(text, static_cast<unsigned char>(character));
     }
+  }
+  return text;
+}
+
+std::string EscapeText(std::string_view bytes) {
+  std::string text = EscapeBytes(bytes);
+  if (text.ends_with(' ')) {
+    text.pop_back();
+    AppendEscaped(text, ' ');
+  }
+  if (text.starts_with(' ')) {
+    text.erase(0, 1);
+    text.insert(0, "\\x20");
   }
   return text;
 }

@@ -5,8 +5,11 @@
 
 namespace norv::tool {
 
-// `bytes` for a terminal: every byte outside printable ASCII, a backslash, and a blank at either end stand as \xNN. No
-// two byte sequences give the same text.
+// `bytes` for a terminal: every byte outside printable ASCII, and a backslash, stand as \xNN. No two byte sequences
+// give the same text.
+std::string EscapeBytes(std::string_view bytes);
+
+// The same, with a blank at either end as \x20, where it would not be seen.
 std::string EscapeText(std::string_view bytes);
 
 // `bytes` as UTF-8: each byte is taken for the code point of its number, U+0000 to U+00FF. Machine files write the

@@ -48,11 +48,11 @@ class StandardErrorAppender : public plog::IAppender {
     std::string line(SeverityName(record.getSeverity()));
     line += ": ";
     if (record.getObject() != nullptr) {
-      line += EscapeText(Narrow(static_cast<const wchar_t*>(record.getObject()))) + ": ";
+      line += EscapeBytes(Narrow(static_cast<const wchar_t*>(record.getObject()))) + ": ";
     }
-    line += EscapeText(record.getFunc());
+    line += EscapeBytes(record.getFunc());
     line += ": ";
-    line += EscapeText(WithoutLineBreak(Narrow(record.getMessage())));
+    line += EscapeBytes(WithoutLineBreak(Narrow(record.getMessage())));
     StandardError::Instance().WriteLine(line);
   }
 };

@@ -14,6 +14,8 @@ namespace {
 constexpr int kLargestPositiveWord = 0x7FFF;
 constexpr int kWordValues = 0x10000;
 
+constexpr const char* kOfTheSystem = " (the operating system's figure, mostly in mW)";
+
 std::string ThreeDecimals(float percentage) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.3f %%", static_cast<double>(percentage));
@@ -69,18 +71,20 @@ void AddCapacity(TextLines& lines, const Capacity& capacity) {
   lines.Row("Voltage", capacity.voltage);
   lines.Row("Current", Current(capacity.current));
   lines.Row("Temperature", Temperature(capacity.temperature));
-  lines.Row("Charge rate", std::to_string(capacity.chargeRate) + " (told by the operating system)");
-  lines.Row("Discharge rate", std::to_string(capacity.dischargeRate) + " (told by the operating system)");
+  lines.Row("Charge rate", std::to_string(capacity.chargeRate) + kOfTheSystem);
+  lines.Row("Discharge rate", std::to_string(capacity.dischargeRate) + kOfTheSystem);
 }
 
 void AddCells(TextLines& lines, const Cells& cells) {
   lines.Section("Cells");
   int number = 0;
   for (const int voltage : cells.voltages) {
-    lines.Row("Cell " + std::to_string(++number) + " voltage", voltage);
+    lines.Row("Cell " + std::to_string(++number) + " voltage",
+              std::to_string(voltage) + (voltage == 0 ? " (no cell, or no reading)" : ""));
   }
-  lines.Row("Spread", cells.spread ? std::to_string(*cells.spread) + " between the highest and the lowest cell above 0"
-                                   : "none (no cell above 0)");
+  lines.Row("Spread", cells.spread
+                          ? std::to_string(*cells.spread) + " between the highest and the lowest cell that is not 0"
+                          : "none (every cell is 0)");
 }
 
 void AddStatus(TextLines& lines, const Status& status) {
@@ -140,7 +144,8 @@ void AddAttributes(TextLines& lines, const Attributes& attributes) {
   lines.Row("Pack supplier", attributes.packSupplier);
   lines.Row("Cell supplier", attributes.cellSupplier);
   lines.Row("Calibration type", attributes.calibrationType.empty() ? "none" : EscapeText(attributes.calibrationType));
-  lines.Row("Over-current protection", attributes.overCurrentProtection);
+  lines.Row("Over-current protection",
+            std::to_string(attributes.overCurrentProtection) + " (in the unit of the design capacity)");
   lines.Row("Design cycle count", attributes.designCycleCount);
   lines.Row("CT assembly", OrEmpty(attributes.ctAssembly));
   lines.Row("CT revision", OrEmpty(attributes.ctRevision));

@@ -15,12 +15,13 @@ namespace norv::tool {
 
 namespace {
 
+constexpr int kSystemFailure = 3;
 constexpr int kValueFailure = 5;
 
 constexpr std::array<std::pair<int, const char*>, 4> kCategories = {{
     {1, "an exception of unknown kind"},
     {2, "an exception of the standard library"},
-    {3, "a status of the operating system"},
+    {kSystemFailure, "a status of the operating system"},
     {kValueFailure, "a wrong value, or a return code of the BIOS"},
 }};
 
@@ -122,10 +123,19 @@ std::string CategoryName(int category) {
   return std::to_string(category);
 }
 
+std::string CodeText(const Failure& failure) {
+  const std::string code = std::to_string(failure.code);
+  if (MeansNoBattery(failure)) {
+    return code + " (the slot holds no battery)";
+  }
+  // Codes of the system are looked up by their hexadecimal form.
+  return failure.category == kSystemFailure ? code + " (" + Hexadecimal(static_cast<int>(failure.code)) + ")" : code;
+}
+
 void AddFailure(TextLines& lines, const std::string& heading, const Failure& failure) {
   lines.Heading(heading);
   lines.Row("Message", OrEmpty(std::string(WithoutLineBreak(failure.message))));
-  lines.Row("Code", std::to_string(failure.code) + (MeansNoBattery(failure) ? " (the slot holds no battery)" : ""));
+  lines.Row("Code", CodeText(failure));
   lines.Row("Category", CategoryName(failure.category));
   lines.Row("Type of the code", OrEmpty(failure.type));
   lines.Row("Function", OrEmpty(failure.function));

@@ -81,6 +81,9 @@ int Run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
   try {
     return norv::tool::Run(argc, argv);
+  } catch (const norv::simulator::MachineFileError& failure) {
+    norv::tool::Complain("--machine: " + std::string(failure.what()));
+    return norv::tool::kUnusable;
   } catch (const std::exception& failure) {
     norv::tool::Complain(failure.what());
     return norv::tool::kUnusable;

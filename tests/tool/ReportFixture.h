@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "Report.h"
+
+namespace norv::tool {
+
+// A battery in order, in slot `slot`.
+BatteryReport MakeBattery(int slot);
+
+// A failure of the collection in the operation `operation`.
+Failure MakeFailure(int category, std::int64_t code, const std::string& operation);
+
+}  // namespace norv::tool

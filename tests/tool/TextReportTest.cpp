@@ -1,0 +1,164 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ReportFixture.h"
+#include "WriteReport.h"
+
+namespace norv::tool {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kAbsent = "No battery.\n";
+constexpr const char* kUnreadable = "The battery could not be read: see the error below.\n";
+constexpr const char* kUndecided = "No battery, or one that could not be read: see the error below.\n";
+
+// What the report says about the slot, which is the first line below its heading.
+std::string Said(const Report& report, int slot) {
+  const std::string text = TextReport(report);
+  const std::string heading = "(slot " + std::to_string(slot) + ")\n==================\n";
+  const auto start = text.find(heading);
+  if (start == std::string::npos) {
+    return "no such heading";
+  }
+  const auto line = start + heading.size();
+  return text.substr(line, text.find('\n', line) + 1 - line);
+}
+
+Report WithSlots(bool first, bool second, std::optional<Failure> error) {
+  Report report;
+  if (first) {
+    report.batteries[0] = MakeBattery(0);
+  }
+  if (second) {
+    report.batteries[1] = MakeBattery(1);
+  }
+  report.readError = std::move(error);
+  return report;
+}
+
+TEST(TextReport, EmptySecondSlotIsNoBattery) {
+  EXPECT_EQ(Said(WithSlots(true, false, std::nullopt), 1), kAbsent);
+}
+
+TEST(TextReport, EmptySlotsAreNoBatteries) {
+  for (const int code : {6, 52}) {
+    const Report report = WithSlots(false, false, MakeFailure(5, code, "ReadNorvBatteryInfo"));
+    EXPECT_EQ(Said(report, 0), kAbsent);
+    EXPECT_EQ(Said(report, 1), kAbsent);
+    EXPECT_THAT(TextReport(report), HasSubstr(std::to_string(code) + " (the slot holds no battery)\n"));
+  }
+}
+
+TEST(TextReport, EmptyFirstSlotBesideAFullOne) {
+  EXPECT_EQ(Said(WithSlots(false, true, MakeFailure(5, 6, "ReadNorvBatteryInfo")), 0), kAbsent);
+}
+
+TEST(TextReport, SlotWhoseReadFailedIsNotCalledEmpty) {
+  EXPECT_EQ(Said(WithSlots(false, true, MakeFailure(5, 3, "ReadNorvBatteryInfo")), 0), kUnreadable);
+  EXPECT_EQ(Said(WithSlots(true, false, MakeFailure(3, 6, "ReadNorvBatteryInfo")), 1), kUnreadable);
+}
+
+TEST(TextReport, CellSwellErrorOfTheFirstSlotSaysNothingAboutTheSecond) {
+  EXPECT_EQ(Said(WithSlots(true, false, MakeFailure(5, 4, "ReadNorvBatteryCSP")), 1), kAbsent);
+}
+
+TEST(TextReport, CellSwellErrorOfTheSecondSlotHidesTheFirstOnes) {
+  EXPECT_EQ(Said(WithSlots(false, true, MakeFailure(5, 4, "ReadNorvBatteryCSP")), 0), kUndecided);
+}
+
+TEST(TextReport, TwoSlotsOfWhichOneErrorIsLeft) {
+  const Report report = WithSlots(false, false, MakeFailure(5, 3, "ReadNorvBatteryInfo"));
+  EXPECT_EQ(Said(report, 0), kUndecided);
+  EXPECT_EQ(Said(report, 1), kUndecided);
+}
+
+TEST(TextReport, SettingsAreTheFirstSlotsOnly) {
+  Report report = WithSlots(false, true, std::nullopt);
+  EXPECT_THAT(TextReport(report), Not(HasSubstr("BIOS battery care settings")));
+  report = WithSlots(true, false, std::nullopt);
+  EXPECT_THAT(TextReport(report), HasSubstr("BIOS battery care settings"));
+}
+
+TEST(TextReport, CurrentAboveHalfTheRangeIsAlsoShownSigned) {
+  Report report = WithSlots(true, false, std::nullopt);
+  report.batteries[0]->capacity.current = 64536;
+  EXPECT_THAT(TextReport(report), HasSubstr("64536 (-1000 as a signed number)\n"));
+  report.batteries[0]->capacity.current = 32767;
+  EXPECT_THAT(TextReport(report), HasSubstr(" 32767\n"));
+}
+
+TEST(TextReport, TemperatureIsReadOnlyWhereABatteryCanHaveIt) {
+  Report report = WithSlots(true, false, std::nullopt);
+  EXPECT_THAT(TextReport(report), HasSubstr(" 2982 (25.05 C)\n"));
+  report.batteries[0]->capacity.temperature = 2632;
+  EXPECT_THAT(TextReport(report), HasSubstr(" 2632 (-9.95 C)\n"));
+  report.batteries[0]->capacity.temperature = 0;
+  EXPECT_THAT(TextReport(report), HasSubstr("Temperature                     0\n"));
+  report.batteries[0]->capacity.temperature = 65535;
+  EXPECT_THAT(TextReport(report), HasSubstr(" 65535\n"));
+}
+
+TEST(TextReport, FigureThatIsTooLargeIsSaidToBe) {
+  Report report = WithSlots(true, false, std::nullopt);
+  report.batteries[0]->capacity.fullChargeCapacityPercentage = kNotComputable;
+  EXPECT_THAT(TextReport(report), HasSubstr("not computable (the figure is too large)\n"));
+}
+
+TEST(TextReport, AgeThatIsNotKnownHasAReason) {
+  Report report = WithSlots(true, false, std::nullopt);
+  Dates& dates = report.batteries[0]->dates;
+  EXPECT_THAT(TextReport(report), HasSubstr(" 1122 days, by the date at the end of the serial number\n"));
+  dates.age = {19000, Failure{5, -1, "Invalid battery serial number", "int", "GetAge"}};
+  EXPECT_THAT(TextReport(report), HasSubstr("not known (the serial number does not end in a date)\n"));
+  dates.age = {-1, Failure{2, 1, "out of memory", "std::bad_alloc", "GetAge"}};
+  EXPECT_THAT(TextReport(report), HasSubstr("not known (out of memory)\n"));
+  report.batteries[0]->identity.serialNumber = "123";
+  EXPECT_THAT(TextReport(report), HasSubstr("not known (the serial number has fewer than 16 characters)\n"));
+}
+
+TEST(TextReport, MissingDatesAreSaidToBe) {
+  Report report = WithSlots(true, false, std::nullopt);
+  Dates& dates = report.batteries[0]->dates;
+  EXPECT_THAT(TextReport(report), HasSubstr("Warranty date                   2022-05-06\n"));
+  dates.warrantyDate.clear();
+  EXPECT_THAT(TextReport(report), HasSubstr("Warranty date                   not known (no such day)\n"));
+  dates.manufacturingDate.clear();
+  EXPECT_THAT(TextReport(report),
+              HasSubstr("Manufacturing date              not known (the firmware's date does not exist)\n"));
+}
+
+TEST(TextReport, ErrorShowsItsMessageOnOneLine) {
+  Failure failure = MakeFailure(3, -2147024891, "ReadNorvBatteryInfo");
+  failure.message = "Access is denied.\r\n";
+  const std::string text = TextReport(WithSlots(false, false, failure));
+  EXPECT_THAT(text, HasSubstr("Message                         Access is denied.\n"));
+  EXPECT_THAT(text, HasSubstr("Code                            -2147024891 (0x80070005)\n"));
+  EXPECT_THAT(text, HasSubstr("3 (a status of the operating system)\n"));
+}
+
+TEST(TextReport, VerdictInPlainWords) {
+  Report report = WithSlots(true, false, std::nullopt);
+  report.test = TestReport{{0x41, "FAIL_TEMPERATURE_ALARM", "1.2.3.4"}, std::nullopt, std::nullopt};
+  const std::string text = TextReport(report);
+  EXPECT_THAT(text, HasSubstr("65 (0x41)\n"));
+  EXPECT_THAT(text, HasSubstr("FAIL: the battery has failed the test\n"));
+  EXPECT_THAT(text, HasSubstr("Qualifier                       temperature alarm\n"));
+  report.test->verdict = {0x50, "NOT_DEFINED", "1.2.3.4"};
+  EXPECT_THAT(TextReport(report), HasSubstr("Verdict                         none: the code is not defined\n"));
+}
+
+TEST(TextReport, TestWithoutVerdictHasAReason) {
+  Report report = WithSlots(true, false, std::nullopt);
+  report.test = TestReport{{-1, "NOT_DEFINED", "1.2.3.4"}, std::nullopt, MakeFailure(5, -1, "RunBatteryTest")};
+  EXPECT_THAT(TextReport(report), HasSubstr("the test program left no report with a status that is a number\n"));
+  report.test->error = Failure{5, 0, "Error getting version of BatteryTest.exe", "int", ""};
+  EXPECT_THAT(TextReport(report),
+              HasSubstr("Reason                          Error getting version of BatteryTest.exe\n"));
+}
+
+}  // namespace
+}  // namespace norv::tool

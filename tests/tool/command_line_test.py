@@ -1,0 +1,342 @@
+#!/usr/bin/env python3
+"""The tool as its users meet it: arguments, exit statuses, streams.
+
+  command_line_test.py --tool PROGRAM --version VERSION
+"""
+
+import argparse
+import json
+import os
+import pathlib
+import pty
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOOL = ""
+VERSION = ""
+
+BATTERY = {
+    "designCapacity": 5000, "fullChargeCapacity": 4500, "remainingCapacity": 3000, "maxError": 2, "cycleCount": 81,
+    "temperature": 2982, "voltage": 11800, "current": -1000, "designVoltage": 11550, "batteryStatus": 0x00C0,
+    "cellVoltages": [3940, 3928, 3932, 0], "serialNumber": "BATT002021-05-06", "manufacturer": "123-45-67-A",
+    "ctNumber": "6ABCDEFGHIJKLM", "deviceName": "HT03XL", "manufactureDate": "2021-05-06",
+}
+
+
+def machine(battery=None, second=None, **more):
+    """A machine file's contents; `battery` overrides fields of slot 0, None empties it."""
+    first = None if battery is None else {"battery": {**BATTERY, **battery}}
+    return {"description": "A machine of a test", "slots": [first, second],
+            "clock": {"now": "2024-06-01T12:00:00Z"}, **more}
+
+
+def test_program(**more):
+    return {"version": "1.2.3.4", **more}
+
+
+class ToolTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def write(self, name, contents):
+        path = pathlib.Path(self.folder.name, name)
+        path.write_text(contents if isinstance(contents, str) else json.dumps(contents), encoding="utf-8")
+        return str(path)
+
+    def run_tool(self, *arguments, **more):
+        more = {"capture_output": True, **more}
+        done = subprocess.run([TOOL, *arguments], check=False, timeout=60, **more)
+        done.stdout = (done.stdout or b"").decode("utf-8")
+        done.stderr = (done.stderr or b"").decode("utf-8")
+        return done
+
+    def report(self, contents, *arguments, **more):
+        return self.run_tool("report", "--machine", self.write("machine.json", contents), *arguments, **more)
+
+    def json_report(self, contents, *arguments):
+        done = self.report(contents, "--format", "json", *arguments)
+        self.assertEqual(done.stderr, "")
+        return json.loads(done.stdout)
+
+    def assert_refused(self, done, *parts):
+        self.assertEqual(done.returncode, 2, done.stderr)
+        self.assertEqual(done.stdout, "")
+        self.assertTrue(done.stderr.startswith("norv-battery: "), done.stderr)
+        for part in parts:
+            self.assertIn(part, done.stderr)
+
+
+class HelpTest(ToolTest):
+    def test_help_names_the_commands(self):
+        done = self.run_tool("--help")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        for word in ("report", "machines", "--version"):
+            self.assertIn(word, done.stdout)
+
+    def test_help_of_a_report_names_its_options_and_the_exit_statuses(self):
+        done = self.run_tool("report", "--help")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        for word in ("--machine", "--format", "text|json", "--log-level", "none|error|info|verbose", "--cell-swell",
+                     "--test", "Exit status", "FAIL"):
+            self.assertIn(word, done.stdout)
+        self.assertIn("Usage: norv-battery report", done.stdout)
+
+    def test_version(self):
+        done = self.run_tool("--version")
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, f"norv-battery {VERSION}\n", ""))
+
+    def test_machines_lists_every_sample_with_its_description(self):
+        done = self.run_tool("machines")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        lines = dict(re.split(r" {2,}", line, maxsplit=1) for line in done.stdout.splitlines())
+        folder = pathlib.Path(__file__).resolve().parents[2] / "simulator" / "machines"
+        expected = {path.stem: json.loads(path.read_text(encoding="utf-8"))["description"]
+                    for path in folder.glob("*.json")}
+        self.assertIn("two-batteries", expected)
+        self.assertEqual(lines, expected)
+
+
+class ArgumentTest(ToolTest):
+    def test_nothing_to_do(self):
+        self.assert_refused(self.run_tool(), "subcommand", "--help")
+
+    def test_unknown_command_and_option(self):
+        self.assert_refused(self.run_tool("reprot"), "command", "'reprot'")
+        self.assert_refused(self.run_tool("report", "--colour"), "--colour")
+        self.assert_refused(self.run_tool("report", "two-batteries"), "two-batteries")
+
+    def test_values_outside_the_choices(self):
+        self.assert_refused(self.run_tool("report", "--format", "xml"), "--format", "'xml'", "text|json")
+        self.assert_refused(self.run_tool("report", "--log-level", "loud"), "--log-level", "'loud'",
+                            "none|error|info|verbose")
+        self.assert_refused(self.run_tool("report", "--format", "JSON"), "'JSON'")
+
+    def test_missing_and_repeated_values(self):
+        self.assert_refused(self.run_tool("report", "--machine"), "--machine")
+        self.assert_refused(self.run_tool("report", "--format", "text", "--format", "json"), "--format")
+        self.assert_refused(self.run_tool("report", "--machine", "two-batteries", "--machine", "no-battery"),
+                            "--machine")
+
+
+class MachineTest(ToolTest):
+    def test_neither_sample_nor_file(self):
+        self.assert_refused(self.run_tool("report", "--machine", "tow-batteries"), "'tow-batteries'", "sample", "file",
+                            "norv-battery machines")
+
+    def test_missing_file(self):
+        for name in (self.folder.name + "/missing", "missing.json"):
+            self.assert_refused(self.run_tool("report", "--machine", name), name, "cannot open")
+
+    def test_folder(self):
+        self.assert_refused(self.run_tool("report", "--machine", self.folder.name), self.folder.name)
+
+    def test_empty_name(self):
+        self.assert_refused(self.run_tool("report", "--machine", ""), "--machine")
+        self.assert_refused(self.run_tool("report", "--machine="), "--machine")
+
+    def test_file_that_is_no_machine(self):
+        self.assert_refused(self.report("{"), "machine.json")
+        self.assert_refused(self.report({"description": "A machine", "slot": []}), "machine.json", "slot")
+        self.assert_refused(self.report(machine({"cycleCount": 70000})), "machine.json", "cycleCount", "65535")
+
+    def test_sample_wins_over_a_file_of_its_name_unless_the_name_is_that_of_a_file(self):
+        self.write("two-batteries", machine({}))
+        self.write("elsewhere", machine({}))
+        for name, kind in (("two-batteries", "sample"), ("./two-batteries", "file"), ("elsewhere", "file")):
+            done = self.run_tool("report", "--format", "json", "--machine", name, cwd=self.folder.name)
+            source = json.loads(done.stdout)["source"]
+            self.assertEqual((source["kind"], source["name"]), (kind, name))
+
+    def test_running_machine_without_battery(self):
+        done = self.run_tool("report")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("Battery report of this machine\n", done.stdout)
+        self.assertEqual(done.stdout.count("No battery.\n"), 2)
+        self.assertIn("norv-battery report --machine two-batteries", done.stderr)
+        done = self.run_tool("report", "--format", "json")
+        self.assertEqual(done.returncode, 1)
+        report = json.loads(done.stdout)
+        self.assertEqual(report["source"], {"kind": "machine", "name": "", "description": ""})
+        self.assertEqual(report["batteries"], [None, None])
+        self.assertEqual(report["error"]["code"], 6)
+
+
+class ExitStatusTest(ToolTest):
+    def test_one_battery_is_enough_whichever_it_is(self):
+        self.assertEqual(self.report(machine({})).returncode, 0)
+        self.assertEqual(self.report(machine(None, {"battery": BATTERY})).returncode, 0)
+
+    def test_no_battery(self):
+        done = self.report(machine())
+        self.assertEqual((done.returncode, done.stderr), (1, ""))
+        self.assertIn("PrivateBiosWMI error", done.stdout)
+
+    def test_verdicts(self):
+        for status, expected in ((0, 0), (63, 0), (64, 3), (73, 3), (79, 3), (80, 0), (-64, 0), (112, 0)):
+            done = self.report(machine({}, testProgram=test_program(status=status)), "--test")
+            self.assertEqual((status, done.returncode), (status, expected))
+            self.assertEqual(done.stderr, "")
+
+    def test_failed_battery_counts_without_a_record_too(self):
+        self.assertEqual(self.report(machine(testProgram=test_program(status=64)), "--test").returncode, 3)
+
+    def test_verdict_counts_only_when_asked_for(self):
+        self.assertEqual(self.report(machine({}, testProgram=test_program(status=64))).returncode, 0)
+
+    def test_no_verdict_is_no_failure(self):
+        done = self.report(machine({}), "--test")
+        self.assertEqual(done.returncode, 0)
+        self.assertIn("Error getting version of BatteryTest.exe", done.stdout)
+        self.assertIn("Battery Test Error - Battery is not supported", done.stdout)
+
+
+class ReportTest(ToolTest):
+    def test_odd_bytes(self):
+        contents = machine({"serialNumber": " A\\\u0001\u00ff\u00e9\u007f~ ", "manufacturer": "\n", "ctNumber": "\t"})
+        text = self.report(contents).stdout
+        self.assertIn(r"\x20A\x5C\x01\xFF\xE9\x7F~\x20" + "\n", text)
+        self.assertIsNone(re.search(r"[^\n -~]", text))
+        identity = self.json_report(contents)["batteries"][0]["identity"]
+        self.assertEqual(identity["serialNumber"], " A\\\u0001\u00ff\u00e9\u007f~ ")
+        self.assertEqual(identity["manufacturer"], "\n")
+
+    def test_texts_of_a_report_can_be_copied_into_a_machine_file(self):
+        identity = self.json_report(machine({"serialNumber": "\u0080\u00c3\u00a9"}))["batteries"][0]["identity"]
+        again = self.json_report(machine(identity))["batteries"][0]["identity"]
+        self.assertEqual(again, identity)
+        self.assertEqual(again["serialNumber"], "\u0080\u00c3\u00a9")
+
+    def test_percentages_have_three_decimals(self):
+        contents = machine({"designCapacity": 3000, "fullChargeCapacity": 2999, "remainingCapacity": 1})
+        text = self.report(contents).stdout
+        self.assertIn("99.966 % of the design capacity\n", text)
+        self.assertIn("0.033 % of the full charge capacity\n", text)
+        capacity = self.json_report(contents)["batteries"][0]["capacity"]
+        self.assertEqual(capacity["fullChargeCapacityPercentage"], 99.966)
+        self.assertEqual(capacity["remainingCapacityPercentage"], 0.033)
+
+    def test_percentages_without_a_divisor(self):
+        contents = machine({"designCapacity": 0, "fullChargeCapacity": 0})
+        text = self.report(contents).stdout
+        self.assertIn("not computable (the design capacity is 0)\n", text)
+        self.assertIn("not computable (the full charge capacity is 0)\n", text)
+        capacity = self.json_report(contents)["batteries"][0]["capacity"]
+        self.assertEqual(capacity["fullChargeCapacityPercentage"], -2147483.75)
+
+    def test_age_error_does_not_spoil_validity(self):
+        battery = self.json_report(machine({"serialNumber": "0123456789ABCDEF"}))["batteries"][0]
+        self.assertEqual(battery["validity"], {"valid": True, "error": None})
+        age = battery["dates"]["age"]
+        self.assertIsNone(age["days"])
+        self.assertEqual(age["value"], 19875)
+        self.assertEqual(age["error"]["message"], "Invalid battery serial number")
+
+    def test_defect_of_the_record_is_no_error_of_the_age(self):
+        battery = self.json_report(machine({"ctNumber": "7"}))["batteries"][0]
+        self.assertEqual(battery["validity"]["valid"], False)
+        self.assertEqual(battery["validity"]["error"]["message"], "Invalid battery CT number")
+        self.assertEqual(battery["dates"]["age"], {"days": 1122, "value": 1122, "error": None})
+
+    def test_cell_swell_protection_only_when_asked_for(self):
+        contents = machine({})
+        contents["slots"][0]["cellSwell"] = {"timeCharge": 4660, "levelBTemperature2Time": 65535}
+        self.assertNotIn("Cell swell", self.report(contents).stdout)
+        self.assertIsNone(self.json_report(contents)["batteries"][0]["cellSwellProtection"])
+        self.assertIn("Cell swell", self.report(contents, "--cell-swell").stdout)
+        counters = self.json_report(contents, "--cell-swell")["batteries"][0]["cellSwellProtection"]
+        self.assertEqual(len(counters), 14)
+        self.assertEqual((counters["timeCharge"], counters["levelBTemperature2Time"]), (4660, 65535))
+
+    def test_failed_test_does_not_hide_why_a_battery_is_missing(self):
+        report = self.json_report(machine({}, {"batteryReturnCode": 3}), "--test")
+        self.assertEqual(report["readError"]["code"], 3)
+        self.assertEqual(report["error"]["message"], "Battery Test Error - Battery is not supported")
+        text = self.report(machine({}, {"batteryReturnCode": 3}), "--test").stdout
+        self.assertIn("The battery could not be read: see the error below.", text)
+
+
+class LogTest(ToolTest):
+    QUALIFIED = "norv::shared::battery::NorvBatteries::NorvBatteries"
+
+    def logged(self, level, contents):
+        done = self.report(contents, "--log-level", level)
+        self.assertEqual(done.stdout, self.report(contents).stdout)
+        return done.stderr.splitlines()
+
+    def test_levels(self):
+        broken = machine(None, None)
+        self.assertEqual(self.logged("none", broken), [])
+        errors = self.logged("error", broken)
+        self.assertTrue(any(line.endswith("Error getting battery information") for line in errors), errors)
+        self.assertEqual({line.split(":")[0] for line in errors}, {"error"})
+        info = self.logged("info", broken)
+        self.assertEqual({line.split(":")[0] for line in info}, {"error", "info"})
+        verbose = self.logged("verbose", broken)
+        self.assertEqual({line.split(":")[0] for line in verbose}, {"error", "info", "verbose"})
+        self.assertEqual(len(errors) + sum(line.startswith("info") for line in info), len(info))
+
+    def test_line_names_function_and_message(self):
+        lines = self.logged("info", machine({}))
+        self.assertTrue(any(line.endswith(f"{self.QUALIFIED}: Finished {self.QUALIFIED}") for line in lines), lines)
+
+    def test_lines_are_printable(self):
+        for line in self.logged("verbose", machine({})):
+            self.assertIsNone(re.search(r"[^ -~]", line), line)
+
+
+class OutputTest(ToolTest):
+    def test_full_device(self):
+        with open("/dev/full", "wb") as full:
+            for arguments in (["report", "--machine", "two-batteries"], ["machines"], ["--help"], ["--version"]):
+                done = self.run_tool(*arguments, capture_output=False, stdout=full, stderr=subprocess.PIPE)
+                self.assertEqual(done.returncode, 2)
+                self.assertIn("standard output cannot be written to: No space left on device", done.stderr)
+
+    def test_closed_pipe_ends_quietly(self):
+        reading, writing = os.pipe()
+        os.close(reading)
+        try:
+            done = self.run_tool("report", "--machine", "two-batteries", capture_output=False, stdout=writing,
+                                 stderr=subprocess.PIPE)
+        finally:
+            os.close(writing)
+        self.assertEqual((done.returncode, done.stderr), (2, ""))
+
+    def test_progress_on_a_terminal_only(self):
+        contents = machine({}, testProgram=test_program(status=0, runsMilliseconds=1500))
+        self.assertEqual(self.report(contents, "--test").stderr, "")
+        controller, terminal = pty.openpty()
+        done = self.report(contents, "--test", capture_output=False, stdout=subprocess.PIPE, stderr=terminal)
+        os.close(terminal)
+        shown = b""
+        try:
+            while block := os.read(controller, 65536):
+                shown += block
+        except OSError:
+            pass  # the end of what a terminal holds whose other side is closed
+        os.close(controller)
+        lines = shown.decode().split("\r")
+        self.assertIn("The battery test is running | 0 s", lines)
+        self.assertTrue(any(re.fullmatch(r"The battery test is running [|/\\-] 1 s", line) for line in lines), lines)
+        self.assertEqual(lines[-1], "")
+        self.assertEqual(lines[-2].strip(), "")
+        self.assertNotIn("is running", done.stdout)
+        self.assertIn("Battery test\n", done.stdout)
+
+
+def main():
+    global TOOL, VERSION
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--tool", required=True)
+    parser.add_argument("--version", required=True)
+    arguments, others = parser.parse_known_args()
+    TOOL, VERSION = os.path.abspath(arguments.tool), arguments.version
+    unittest.main(argv=[sys.argv[0], *others])
+
+
+if __name__ == "__main__":
+    main()
