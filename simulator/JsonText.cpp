@@ -65,6 +65,15 @@ class KeyWatch {
     }
   }
 
+  // Where the parser is.
+  std::string Path() const {
+    std::string path;
+    for (const Level& level : levels_) {
+      path = level.isArray ? path + "[" + std::to_string(level.index) + "]" : MemberPath(path, level.key);
+    }
+    return path;
+  }
+
  private:
   struct Level {
     bool isArray;
@@ -86,14 +95,6 @@ class KeyWatch {
     }
   }
 
-  std::string Path() const {
-    std::string path;
-    for (const Level& level : levels_) {
-      path = level.isArray ? path + "[" + std::to_string(level.index) + "]" : MemberPath(path, level.key);
-    }
-    return path;
-  }
-
   const std::string& file_;
   std::vector<Level> levels_;
 };
@@ -112,7 +113,9 @@ nlohmann::json ParseJson(const std::string& text, const std::string& file) {
     throw MachineFileError(file + ": " + LineAndColumn(text, failure.byte) + ": expected JSON, got " +
                            Complaint(failure));
   } catch (const Json::exception& failure) {
-    throw MachineFileError(file + ": expected JSON, got " + Complaint(failure));
+    // A number that no type holds: the parser does not say where.
+    throw MachineFileError(file + ": " + watch.Path() + ": expected a number that a double holds, got " +
+                           Complaint(failure));
   }
 }
 

@@ -1,0 +1,162 @@
+// What machine files are taken, and how the others are refused.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+
+#include "MachineText.h"
+
+namespace norv::simulator {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+const fs::path kFolder = fs::path(NORV_BATTERY_TEST_DIR) / "unit" / "simulator";
+
+std::string Refusal(const std::string& json) {
+  try {
+    SimulatedMachine::FromText(json, "machine.json");
+  } catch (const MachineFileError& refusal) {
+    return refusal.what();
+  }
+  return "taken";
+}
+
+std::string FileRefusal(const fs::path& path) {
+  try {
+    SimulatedMachine::FromFile(path.string());
+  } catch (const MachineFileError& refusal) {
+    return refusal.what();
+  }
+  return "taken";
+}
+
+std::map<std::string, fs::path> MachineFiles(const fs::path& folder) {
+  std::map<std::string, fs::path> files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() == ".json") {
+      files.emplace(entry.path().filename().string(), entry.path());
+    }
+  }
+  return files;
+}
+
+// "word-too-large.json: slots[0]..." by file name.
+std::map<std::string, std::string> ExpectedMessages() {
+  std::map<std::string, std::string> messages;
+  std::ifstream list(kFolder / "bad" / "messages.txt");
+  for (std::string line; std::getline(list, line);) {
+    const std::size_t colon = line.find(": ");
+    messages.emplace(line.substr(0, colon), line.substr(colon + 2));
+  }
+  return messages;
+}
+
+TEST(MachineFile, RefusesEachBadFileWithPlaceAndExpectation) {
+  const auto messages = ExpectedMessages();
+  const auto files = MachineFiles(kFolder / "bad");
+  ASSERT_GE(files.size(), 90U);
+  ASSERT_EQ(files.size(), messages.size());
+  for (const auto& [name, path] : files) {
+    ASSERT_TRUE(messages.contains(name)) << name << " has no message in bad/messages.txt";
+    EXPECT_EQ(FileRefusal(path), path.string() + ": " + messages.at(name));
+  }
+}
+
+TEST(MachineFile, TakesEachGoodFile) {
+  const auto files = MachineFiles(kFolder / "good");
+  ASSERT_FALSE(files.empty());
+  for (const auto& [name, path] : files) {
+    EXPECT_EQ(FileRefusal(path), "taken") << name;
+  }
+}
+
+TEST(MachineFile, SaysWhereATextIsNoJson) {
+  EXPECT_EQ(
+      Refusal("{\n  \"description\": \"A\",\n  \"slots\": [,]\n}"),
+      "machine.json: line 3, column 13: expected JSON, got value - unexpected ','; expected '[', '{', or a literal");
+  EXPECT_THAT(Refusal(""), StartsWith("machine.json: line 1, column 1: expected JSON, got va"));
+  EXPECT_THAT(Refusal("{} x"), StartsWith("machine.json: line 1, column 4: expected JSON"));
+  EXPECT_EQ(Refusal("\xEF\xBB\xBF{\"description\": \"A\"}"), "taken");
+  EXPECT_EQ(Refusal("{\"description\": 1e999}"),
+            "machine.json: description: expected a number that a double holds, got number overflow parsing '1e999'");
+  EXPECT_THAT(Refusal("{\"description\": \"\xC3\"}"), StartsWith("machine.json: line 1, column 19: expected JSON"));
+}
+
+TEST(MachineFile, RefusesAKeyThatStandsTwice) {
+  EXPECT_EQ(Refusal(R"({"description": "A", "description": "B"})"),
+            "machine.json: description: this key stands twice, expected it once");
+  EXPECT_EQ(Refusal(R"({"slots": [null, {"battery": {"hex": "", "voltage": 1, "voltage": 2}}]})"),
+            "machine.json: slots[1].battery.voltage: this key stands twice, expected it once");
+}
+
+TEST(MachineFile, RefusesNamesThatDifferInLetterCaseOnly) {
+  EXPECT_EQ(Refusal(R"({"description": "A", "wmi": {"root\\wmi": {}, "\\\\.\\ROOT\\wmi": {}}})"),
+            "machine.json: wmi[\"root\\\\wmi\"]: this namespace stands twice (letter case and a leading \\\\.\\ do not "
+            "count), expected it once");
+  EXPECT_EQ(Refusal(R"({"description": "A", "wmi": {"r": {"A": [], "a": []}}})"),
+            "machine.json: wmi.r.a: this class stands twice (letter case does not count), expected it once");
+  EXPECT_EQ(Refusal(R"({"description": "A", "wmi": {"r": {"A": [{"N": 1, "n": 2}]}}})"),
+            "machine.json: wmi.r.A[0].n: this property stands twice (letter case does not count), expected it once");
+}
+
+TEST(MachineFile, RefusesTwoMessagesForOneCode) {
+  EXPECT_EQ(Refusal(R"({"description": "A", "systemMessages": {"5": "x", "0x05": "y"}})"),
+            "machine.json: systemMessages.5: there are two messages for code 5, expected one");
+}
+
+TEST(MachineFile, RefusesADayThatNoCalendarHas) {
+  EXPECT_EQ(Refusal(R"({"description": "A", "clock": {"now": "2023-02-29T00:00:00Z"}})"),
+            "machine.json: clock.now: expected a time \"2024-06-01T12:00:00Z\" from the year 1970 on, got "
+            "\"2023-02-29T00:00:00Z\"");
+}
+
+TEST(MachineFile, RefusesWhatIsNoFile) {
+  const std::string missing = (kFolder / "no-such-machine.json").string();
+  EXPECT_EQ(FileRefusal(missing), missing + ": expected a machine file, cannot open it: No such file or directory");
+  const std::string folder = kFolder.string();
+  EXPECT_THAT(FileRefusal(folder), StartsWith(folder + ": expected a machine file, cannot "));
+}
+
+TEST(MachineFile, ShowsOnlyTheStartOfALongText) {
+  const std::string refusal = Refusal("{\"description\": \"A\", \"modulePath\": 1, \"$schema\": \"" +
+                                      std::string(5000, 'x') + "\", \"slots\": \"" + std::string(5000, 'y') + "\"}");
+  EXPECT_EQ(refusal,
+            "machine.json: slots: expected an array of at most 2 entries, got \"" + std::string(59, 'y') + "...");
+}
+
+TEST(MachineFile, RefusesDeepNestingWithoutHarm) {
+  EXPECT_THAT(Refusal(std::string(100000, '[')), StartsWith("machine.json: line 1, column 10"));
+  EXPECT_EQ(Refusal("{\"description\": " + std::string(20000, '[') + std::string(20000, ']') + "}"),
+            "machine.json: description: expected a text, got an array of 1 entry");
+}
+
+// Whatever single character of a file is lost or changed, it is taken or refused properly.
+TEST(MachineFile, SurvivesEveryDamagedCharacter) {
+  const std::string sample = SampleText("channel-failure");
+  std::size_t refused = 0;
+  for (std::size_t i = 0; i < sample.size(); ++i) {
+    std::string shorter = sample;
+    shorter.erase(i, 1);
+    std::string changed = sample;
+    changed[i] = static_cast<char>(changed[i] ^ 0x15);
+    for (const std::string& damaged : {shorter, changed}) {
+      const std::string refusal = Refusal(damaged);
+      if (refusal != "taken") {
+        ++refused;
+        EXPECT_THAT(refusal, StartsWith("machine.json: "));
+        EXPECT_THAT(refusal, HasSubstr("expected "));
+      }
+    }
+  }
+  EXPECT_GT(refused, sample.size() / 2);
+}
+
+}  // namespace
+}  // namespace norv::simulator
