@@ -93,7 +93,7 @@ void NorvBatteries::ReadSlot(unsigned char index, bool readCellSwellProtection) 
 
 // A test object of the host's may throw; that counts as no verdict.
 void NorvBatteries::RunTest() {
-  const bool verdict = Guarded(error_, kConstructor, [this] {
+  const bool verdict = Guarded(error_, kRunBatteryTest, [this] {
     if (testInfo_ != nullptr) {
       testInfo_->RunBatteryTest();
     }

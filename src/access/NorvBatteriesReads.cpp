@@ -1,4 +1,5 @@
 // The two BIOS reads of the collection.
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -10,7 +11,6 @@
 
 namespace norv::shared::battery {
 
-using diagnostics::Guarded;
 using diagnostics::Log;
 using diagnostics::Report;
 using diagnostics::Severity;
@@ -36,11 +36,22 @@ bool IsAbsentSecondBattery(unsigned char index, std::uint32_t returnCode) {
   return index != 0 && (returnCode == access::kNoBattery || returnCode == access::kNoBatteryInSlot);
 }
 
+// Nothing leaves a read as an exception.
+template <typename Read>
+bool GuardedRead(error::Error& stored, const char* operation, Read read) noexcept {
+  try {
+    return read();
+  } catch (...) {
+    Report(stored, diagnostics::ReadExceptionError(std::current_exception()), operation);
+    return false;
+  }
+}
+
 }  // namespace
 
 bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
   Log(Severity::Info, kReadInfo, {"Started ", kReadInfo, " "});
-  return Guarded(error_, kReadInfo, [this, index] {
+  return GuardedRead(error_, kReadInfo, [this, index] {
     if (index > kLastIndex) {
       Report(error_, InvalidIndexError(kReadInfo), kReadInfo);
       return false;
@@ -71,7 +82,7 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
 
 bool NorvBatteries::ReadNorvBatteryCSP(unsigned char index) {
   Log(Severity::Info, kReadCsp, {"Started ", kReadCsp, " "});
-  return Guarded(error_, kReadCsp, [this, index] {
+  return GuardedRead(error_, kReadCsp, [this, index] {
     if (index > kLastIndex) {
       Report(error_, InvalidIndexError(kReadCsp), kReadCsp);
       return false;

@@ -55,14 +55,13 @@ Error Convert(const std::exception_ptr& thrown, const char* operation) {
   }
 }
 
-// The guard takes a standard exception by its own message, a system error included.
-Error CaughtError() {
+Error ConvertForRead(const std::exception_ptr& thrown) {
   try {
-    throw;
+    std::rethrow_exception(thrown);
   } catch (const std::exception& exception) {
     return StandardExceptionError(exception, exception.what(), "");
   } catch (...) {
-    return Convert(std::current_exception(), "");
+    return Convert(thrown, "");
   }
 }
 
@@ -76,17 +75,17 @@ Error ExceptionError(const std::exception_ptr& thrown, const char* operation) no
   }
 }
 
+Error ReadExceptionError(const std::exception_ptr& thrown) noexcept {
+  try {
+    return ConvertForRead(thrown);
+  } catch (...) {
+    return NoMemoryError();
+  }
+}
+
 void Report(Error& stored, Error failure, LogSite site) noexcept {
   stored = std::move(failure);
   LogError(stored, site);
-}
-
-void ReportCaught(Error& stored, LogSite site) noexcept {
-  try {
-    Report(stored, CaughtError(), site);
-  } catch (...) {
-    Report(stored, NoMemoryError(), site);
-  }
 }
 
 }  // namespace norv::shared::battery::diagnostics

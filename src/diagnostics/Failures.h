@@ -19,15 +19,15 @@ error::Error ValueError(std::int64_t code, const char* message, const char* oper
 // A status of the operating system with the system's own message text: category 3.
 error::Error SystemMessageError(std::int32_t status, const char* operation);
 
-// Any exception that was thrown, by its type.
+// Any exception that was thrown, by its type. Without memory for the texts it is the error of a failed allocation.
 error::Error ExceptionError(const std::exception_ptr& thrown, const char* operation) noexcept;
+
+// The same as a BIOS read reports it: a standard exception, a system error included, has its own message, and no
+// function is named.
+error::Error ReadExceptionError(const std::exception_ptr& thrown) noexcept;
 
 // Stores `failure` in the object it belongs to and logs it.
 void Report(error::Error& stored, error::Error failure, LogSite site) noexcept;
-
-// Inside a catch block: reports the exception at hand. A standard exception keeps its own message, and the error names
-// no function. Even without memory an error is stored.
-void ReportCaught(error::Error& stored, LogSite site) noexcept;
 
 // Runs an operation that nothing may leave as an exception. What it throws is reported, and the answer is false.
 template <typename Operation>
@@ -35,7 +35,7 @@ bool Guarded(error::Error& stored, LogSite site, Operation operation) noexcept {
   try {
     return operation();
   } catch (...) {
-    ReportCaught(stored, site);
+    Report(stored, ExceptionError(std::current_exception(), site.operation), site);
     return false;
   }
 }

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <exception>
 
 #include "battery/NorvBatteryTestXmlParser.h"
 #include "diagnostics/Failures.h"
@@ -67,11 +66,10 @@ const error::Error& NorvBatteryTestInfo::GetError() const {
 void NorvBatteryTestInfo::RunBatteryTest() {
   Log(Severity::Info, kRun, {"Started ", kRun, " "});
   int status = kNoVerdict;
-  try {
+  diagnostics::Guarded(error_, kRun, [this, &status] {
     status = RunProgramAndReadStatus();
-  } catch (...) {
-    Report(error_, diagnostics::ExceptionError(std::current_exception(), kRun), kRun);
-  }
+    return true;
+  });
   Log(Severity::Info, kRun, {"battery_status = ", std::to_string(status)});
   Log(Severity::Info, kRun, {"Finished ", kRun, " "});
   result_ = status;

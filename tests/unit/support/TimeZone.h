@@ -1,0 +1,49 @@
+// The process's time zone, and the clock, for a scope.
+#pragma once
+
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <string>
+
+#include "norv/platform/Platform.h"
+
+namespace norv::test {
+
+// Sets TZ to a zone in the form that needs no files: "CET-1CEST,M3.5.0,M10.5.0/3".
+class ScopedTimeZone {
+ public:
+  explicit ScopedTimeZone(const char* zone) {
+    if (const char* before = std::getenv("TZ")) {
+      before_ = before;
+    }
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+  }
+  ScopedTimeZone(const ScopedTimeZone&) = delete;
+  ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
+  ~ScopedTimeZone() {
+    if (before_) {
+      ::setenv("TZ", before_->c_str(), 1);
+    } else {
+      ::unsetenv("TZ");
+    }
+    ::tzset();
+  }
+
+ private:
+  std::optional<std::string> before_;
+};
+
+// The running system with another clock.
+class ScopedClock : public platform::PlatformWrapper {
+ public:
+  explicit ScopedClock(std::time_t now) : PlatformWrapper(platform::Platform::Current()), now_(now), scope_(*this) {}
+  std::time_t Now() override { return now_; }
+
+ private:
+  std::time_t now_;
+  platform::ScopedPlatform scope_;
+};
+
+}  // namespace norv::test
