@@ -30,7 +30,8 @@ void ThrowIfAsked(FaultEffect effect) {
     case FaultEffect::ThrowsString:
       throw std::string(kInjectedText);
     case FaultEffect::ThrowsText:
-      throw kInjectedText;
+      // A text of this kind is exactly what a library may have to deal with.
+      throw kInjectedText;  // NOLINT(misc-throw-by-value-catch-by-reference)
     case FaultEffect::ThrowsOther:
       throw InjectedException{};
     case FaultEffect::Status:
@@ -59,7 +60,7 @@ class FaultInjector::Plan {
 
   // Counts the call. The fault that strikes it, if any; throws what that one throws.
   std::optional<Fault> Strike(const char* operation, const std::string& argument = {}) {
-    const std::optional<Fault> fault = Count(operation, argument);
+    std::optional<Fault> fault = Count(operation, argument);
     if (fault.has_value()) {
       ThrowIfAsked(fault->effect);
     }

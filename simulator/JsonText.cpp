@@ -69,7 +69,11 @@ class KeyWatch {
   std::string Path() const {
     std::string path;
     for (const Level& level : levels_) {
-      path = level.isArray ? path + "[" + std::to_string(level.index) + "]" : MemberPath(path, level.key);
+      if (level.isArray) {
+        path.append("[").append(std::to_string(level.index)).append("]");
+      } else {
+        path = MemberPath(path, level.key);
+      }
     }
     return path;
   }

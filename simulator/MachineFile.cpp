@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 constexpr std::size_t kLongestMessage = 65535;
-constexpr std::int64_t kLongestRun = 3600000;     // milliseconds: an hour
-constexpr std::int64_t kLargestOffset = 14 * 60;  // minutes: no zone is further from UTC
+constexpr std::int64_t kLongestRun = 3600000;  // milliseconds: an hour
+constexpr std::int64_t kLargestOffset = 840;   // minutes: no zone is further from UTC
 
 std::string ReadDescription(const JsonNode& node) {
   const std::string& text = node.Text();

@@ -84,7 +84,7 @@ std::u32string Decode(std::string_view utf8) {
 std::string ToUtf8(const std::wstring& wide) {
   std::string text;
   for (std::size_t i = 0; i < wide.size(); ++i) {
-    char32_t point = static_cast<char32_t>(wide[i]);
+    auto point = static_cast<char32_t>(wide[i]);
     const char32_t next = i + 1 < wide.size() ? static_cast<char32_t>(wide[i + 1]) : 0;
     if (IsHighSurrogate(point) && IsLowSurrogate(next)) {
       point = JoinSurrogates(point, next);
