@@ -34,7 +34,7 @@ struct Received : plog::IAppender {
   std::size_t line = 0;
   std::wstring component;
   int instance = -1;
-  std::string message;
+  plog::util::nstring message;
   int count = 0;
 };
 
@@ -58,7 +58,7 @@ TEST(ComponentAppender, TagsEachRecordWithTheComponent) {
   EXPECT_EQ(host.line, 42U);
   EXPECT_EQ(host.component, L"norv-battery-info.dll");
   EXPECT_EQ(host.instance, 7);
-  EXPECT_EQ(host.message, "text");
+  EXPECT_EQ(host.message, PLOG_NSTR("text"));
 }
 
 TEST(ComponentAppender, TakesTheFunctionAsPlogShowsIt) {
@@ -75,7 +75,7 @@ TEST(ComponentAppender, ARecordWithoutAMessageSaysNull) {
   Received host;
   ComponentAppender appender(L"", &host);
   appender.write(Silent());
-  EXPECT_EQ(host.message, "(null)");
+  EXPECT_EQ(host.message, PLOG_NSTR("(null)"));
 }
 
 TEST(ComponentAppender, DropsRecordsWithoutAHost) {

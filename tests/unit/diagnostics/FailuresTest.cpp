@@ -72,9 +72,9 @@ TEST(SystemMessage, UnwrapsFacilityEightOnly) {
     std::uint32_t status;
     std::uint32_t code;
   };
-  for (const Row& row :
-       {Row{0x80080005U, 5U}, Row{0x00080007U, 7U}, Row{0xE008FFFFU, 0xFFFFU}, Row{0x80070005U, 0x80070005U},
-        Row{0x80090005U, 0x80090005U}, Row{0x80180005U, 0x80180005U}, Row{0x80000005U, 0x80000005U}}) {
+  for (const Row& row : {Row{0x80080005U, 5U}, Row{0x00080007U, 7U}, Row{0xE008FFFFU, 0xFFFFU},
+                         Row{0x80070005U, 0x80070005U}, Row{0x80090005U, 0x80090005U}, Row{0x90080005U, 0x90080005U},
+                         Row{0x80180005U, 0x80180005U}, Row{0x80000005U, 0x80000005U}}) {
     const Error error = ErrorFor(system, static_cast<std::int32_t>(row.status));
     EXPECT_EQ(error.GetCode(), static_cast<std::int32_t>(row.code)) << row.status;
     EXPECT_EQ(system.askedCode, row.code);

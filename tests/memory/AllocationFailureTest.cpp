@@ -1,0 +1,195 @@
+// Each allocation fails in turn, while a full collection is built and within every public operation. Together with the
+// leak sanitizer this shows that the lack of memory costs an answer, never the process and never memory.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "FailingNew.h"
+#include "battery/NorvBatteries.h"
+#include "battery/NorvBatteryInfo.h"
+#include "battery/NorvBatteryTestInfo.h"
+#include "battery/NorvBatteryTestXmlParser.h"
+#include "norv/simulator/SimulatedMachine.h"
+#include "unit/support/LogCapture.h"
+#include "unit/support/Snapshot.h"
+#include "unit/support/TestBlock.h"
+
+namespace norv::test {
+namespace {
+
+using shared::battery::NorvBatteries;
+using shared::battery::NorvBatteryInfo;
+using shared::battery::NorvBatteryTestInfo;
+using shared::battery::NorvBatteryTestXmlParser;
+using shared::error::Error;
+using simulator::SimulatedMachine;
+
+// Runs `action` with its first, second, ... allocation failing until it makes fewer, and `check` after each failure.
+// Returns how many allocations there were.
+std::size_t FailEach(const std::function<void()>& action, const std::function<void(bool threw)>& check) {
+  for (std::size_t count = 0;; ++count) {
+    bool threw = false;
+    FailAllocation(count);
+    try {
+      action();
+    } catch (const std::bad_alloc&) {
+      threw = true;
+    }
+    if (!StopFailing()) {
+      EXPECT_FALSE(threw);
+      return count;
+    }
+    SCOPED_TRACE("allocation " + std::to_string(count));
+    check(threw);
+  }
+}
+
+bool SaysNoMemory(const Error& error) {
+  return std::string(error.GetMessageText()) == "std::bad_alloc";
+}
+
+std::unique_ptr<SimulatedMachine> Machine() {
+  return SimulatedMachine::FromText(R"({
+      "description": "two batteries and everything else",
+      "slots": [{"battery": {"serialNumber": "FIRST", "manufacturer": "123-45-67-A"}, "cellSwell": {}},
+                {"battery": {"serialNumber": "SECOND"}, "cellSwell": {}}],
+      "wmi": {"\\\\.\\root\\wmi": {"BatteryStatus": [{"ChargeRate": 1, "DischargeRate": 2}]},
+              "\\\\.\\root\\cimv2": {"Win32_BaseBoard": [{"Product": "0000"}]},
+              "\\\\.\\root\\Norv\\InstrumentedBios": {"Norv_BIOSSetting": [
+                {"Name": "Adaptive Battery Extender", "CurrentValue": "Enable"},
+                {"Name": "Battery Care Function", "Value": "a text that fills no short buffer"}]}},
+      "testProgram": {"version": "1.2.3.4", "status": 0}})",
+                                    "here");
+}
+
+void BuildEach(const char* what, std::size_t atLeast) {
+  const auto machine = Machine();
+  std::unique_ptr<NorvBatteries> batteries;
+  const std::size_t allocations = FailEach(
+      [&] {
+        // In storage made beforehand: the collection's own is the host's affair.
+        batteries.reset();
+        batteries = std::make_unique<NorvBatteries>(true, true, nullptr, nullptr);
+      },
+      [&](bool threw) {
+        if (threw) {
+          EXPECT_EQ(batteries, nullptr) << "only the host's own allocation, the first, may throw";
+          return;
+        }
+        // A failure is either on record or was absorbed where no answer depends on it.
+        const bool complete = batteries->Query(0) != nullptr && batteries->Query(1) != nullptr;
+        EXPECT_TRUE(complete || batteries->GetError());
+        for (const unsigned char slot : {static_cast<unsigned char>(0), static_cast<unsigned char>(1)}) {
+          if (auto* record = batteries->Query(slot)) {
+            EXPECT_STREQ(record->GetSerialNumber(), slot == 0 ? "FIRST" : "SECOND");
+          }
+        }
+      });
+  EXPECT_GT(allocations, atLeast) << what;
+}
+
+TEST(AllocationFailure, LetsACollectionComeToItsEnd) {
+  BuildEach("without a logger", 30);
+}
+
+TEST(AllocationFailure, LetsACollectionComeToItsEndWithALogger) {
+  const LogCapture log;
+  BuildEach("with a logger", 100);
+}
+
+TEST(AllocationFailure, OfAReadIsAnErrorOfTheCollection) {
+  const auto machine = Machine();
+  alignas(NorvBatteries) std::array<unsigned char, sizeof(NorvBatteries)> storage{};
+  std::size_t onRecord = 0;
+  FailEach(
+      [&] {
+        auto* batteries = new (storage.data()) NorvBatteries(true, false, nullptr, nullptr);
+        onRecord += SaysNoMemory(batteries->GetError()) ? 1U : 0U;
+        batteries->~NorvBatteries();
+      },
+      [](bool threw) { EXPECT_FALSE(threw) << "nothing leaves the constructor"; });
+  EXPECT_GT(onRecord, 5U);
+}
+
+TEST(AllocationFailure, OfARecordIsTheHostsToCatch) {
+  const TestBlock block = HealthyBlock();
+  std::unique_ptr<NorvBatteryInfo> record;
+  const std::size_t allocations = FailEach([&] { record = std::make_unique<NorvBatteryInfo>(block.Data()); },
+                                           [&](bool threw) { EXPECT_TRUE(threw || record != nullptr); });
+  EXPECT_GE(allocations, 2U);
+}
+
+struct OperationRow {
+  const char* name;
+  std::function<void(NorvBatteryInfo&)> run;
+};
+
+TEST(AllocationFailure, OfAnOperationLeavesTheRecordAsItWas) {
+  const auto machine = Machine();
+  const std::vector<OperationRow> operations{
+      {"attach cell swell data",
+       [](NorvBatteryInfo& record) { record.SetCellSwellProtectionInfo(TestBlock().Data()); }},
+      {"read the settings", [](NorvBatteryInfo& record) { record.GetBiosBatterySettings(); }},
+      {"validate", [](NorvBatteryInfo& record) { record.IsValid(); }},
+      {"age", [](NorvBatteryInfo& record) { record.GetAge(); }},
+      {"calibration type", [](NorvBatteryInfo& record) { record.GetCalibrationType(); }},
+      {"copy", [](NorvBatteryInfo& record) { const NorvBatteryInfo copy(record); }},
+  };
+  for (const OperationRow& operation : operations) {
+    SCOPED_TRACE(operation.name);
+    NorvBatteryInfo record(HealthyBlock().CtNumber("none").SerialNumber("SHORT").Data());
+    const Snapshot before = Answers(record);
+    FailEach([&] { operation.run(record); },
+             [&](bool threw) {
+               if (threw) {
+                 EXPECT_EQ(Answers(record), before);
+               }
+             });
+  }
+}
+
+TEST(AllocationFailure, OfAssignmentLeavesARecordThatCanBeUsed) {
+  const NorvBatteryInfo source(HealthyBlock().Data());
+  NorvBatteryInfo target(TestBlock().SerialNumber("OLD").Data());
+  FailEach([&] { target = source; },
+           [&](bool /*threw*/) {
+             const std::string serialNumber = target.GetSerialNumber();
+             EXPECT_TRUE(serialNumber == "OLD" || serialNumber == source.GetSerialNumber());
+           });
+  EXPECT_STREQ(target.GetSerialNumber(), source.GetSerialNumber());
+}
+
+TEST(AllocationFailure, NeverLeavesARunOfTheTest) {
+  const auto machine = Machine();
+  NorvBatteryTestInfo info;
+  std::size_t onRecord = 0;
+  FailEach([&] { info.RunBatteryTest(); },
+           [&](bool threw) {
+             EXPECT_FALSE(threw);
+             onRecord += SaysNoMemory(info.GetError()) ? 1U : 0U;
+           });
+  EXPECT_EQ(info.GetBatteryTestResult(), 0);
+  EXPECT_GT(onRecord, 0U);
+}
+
+TEST(AllocationFailure, OfAParserIsTheHostsToCatch) {
+  const auto machine = Machine();
+  machine->AsPlatform().RunProgram("C:\\Program Files\\Norv\\BatteryTest.exe");
+  const std::vector<std::function<void()>> actions{
+      [] { NorvBatteryTestXmlParser().GetBatteryStatusFromXMLReport(nullptr); },
+      [] { NorvBatteryTestXmlParser().GetBatteryStatusFromXMLReport("<r i=\"6\">no number in here at all</r>"); },
+      [] { NorvBatteryTestXmlParser().GenerateBatteryTestXMLReport("C:\\nowhere\\at\\all\\BatteryTest.exe"); },
+      [] { NorvBatteryTestInfo(); },
+  };
+  for (const auto& action : actions) {
+    EXPECT_GT(FailEach(action, [](bool /*threw*/) {}), 0U);
+  }
+}
+
+}  // namespace
+}  // namespace norv::test
