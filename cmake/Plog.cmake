@@ -1,6 +1,11 @@
 # plog, the header-only logging library. `./dev setup` puts it into .deps where the system does not carry it.
 list(APPEND CMAKE_PREFIX_PATH ${PROJECT_SOURCE_DIR}/.deps/usr)
 find_package(plog CONFIG QUIET)
+if(NOT plog_FOUND AND CMAKE_CROSSCOMPILING)
+  include(StagedHeaders)
+  norv_staged_headers(plog::plog plog Log.h)
+  set(plog_FOUND ${NORV_STAGED_plog})
+endif()
 if(NOT plog_FOUND AND NORV_BATTERY_FETCH_PLOG)
   include(FetchContent)
   FetchContent_Declare(plog GIT_REPOSITORY https://github.com/SergiusTheBest/plog.git GIT_TAG 1.1.10)

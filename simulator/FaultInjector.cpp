@@ -226,12 +226,14 @@ std::uint32_t FaultInjector::FormatSystemMessage(std::uint32_t code, char* buffe
 }
 
 std::uint32_t FaultInjector::LastSystemCode() {
+  // Asked for first: the search for a fault may itself set the system's code.
+  const std::uint32_t code = Inner().LastSystemCode();
   const std::optional<Fault> fault = plan_->Strike(kLastSystemCode);
   if (fault.has_value()) {
     return fault->number;
   }
   const std::optional<std::uint32_t> left = plan_->SystemCode();
-  return left.has_value() ? *left : Inner().LastSystemCode();
+  return left.value_or(code);
 }
 
 void FaultInjector::ReportInvalidParameter() {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -60,6 +61,11 @@ const std::array<Maker, 5> kMakers{{
     {"Simulated", Simulated},
 }};
 
+// In a folder that is there.
+std::string MissingProgram() {
+  return (std::filesystem::temp_directory_path() / "norv-battery-missing.exe").string();
+}
+
 class PlatformContract : public testing::TestWithParam<Maker> {
  protected:
   Subject subject_ = GetParam().make();
@@ -86,13 +92,13 @@ TEST_P(PlatformContract, AConnectionThatFailsLeavesNone) {
 }
 
 TEST_P(PlatformContract, AProgramThatIsMissingCannotBeStarted) {
-  EXPECT_FALSE(platform_.RunProgram("/nowhere/at\\all\\BatteryTest.exe"));
+  EXPECT_FALSE(platform_.RunProgram(MissingProgram().c_str()));
   EXPECT_EQ(platform_.LastSystemCode(), 2U);
 }
 
 TEST_P(PlatformContract, AProgramThatIsMissingHasNoVersion) {
   ProductVersion version{1, 2, 3, 4};
-  EXPECT_FALSE(platform_.ReadProductVersion("/nowhere/at\\all\\BatteryTest.exe", version));
+  EXPECT_FALSE(platform_.ReadProductVersion(MissingProgram().c_str(), version));
   EXPECT_EQ(platform_.LastSystemCode(), 2U);
   EXPECT_EQ(version.major, 1);
   EXPECT_EQ(version.minor, 2);
@@ -124,14 +130,20 @@ TEST_P(PlatformContract, APathThatDoesNotFitIsCut) {
 TEST_P(PlatformContract, FormatsTheSystemsMessages) {
   std::array<char, 64> buffer{};
   buffer.fill('x');
-  EXPECT_EQ(platform_.FormatSystemMessage(5, buffer.data(), 64), 19U);
-  EXPECT_STREQ(buffer.data(), "Access is denied.\r\n");
+  const std::uint32_t length = platform_.FormatSystemMessage(5, buffer.data(), 64);
+  ASSERT_GT(length, 2U);
+  ASSERT_LT(length, 64U);
+  EXPECT_EQ(buffer[length], '\0');
+  const std::string text = buffer.data();
+  EXPECT_EQ(text.size(), length);
+  EXPECT_TRUE(text.starts_with("Access ") && text.ends_with("denied.\r\n")) << text;
 }
 
 TEST_P(PlatformContract, AMessageFitsWithItsTerminatorOrNotAtAll) {
   std::array<char, 64> buffer{};
-  EXPECT_EQ(platform_.FormatSystemMessage(5, buffer.data(), 20), 19U);
-  EXPECT_EQ(platform_.FormatSystemMessage(5, buffer.data(), 19), 0U);
+  const std::uint32_t length = platform_.FormatSystemMessage(5, buffer.data(), 64);
+  EXPECT_EQ(platform_.FormatSystemMessage(5, buffer.data(), length + 1), length);
+  EXPECT_EQ(platform_.FormatSystemMessage(5, buffer.data(), length), 0U);
   EXPECT_EQ(platform_.LastSystemCode(), 122U);
 }
 

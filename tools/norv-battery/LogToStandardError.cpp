@@ -17,7 +17,7 @@ namespace {
 
 // plog hands out wide messages on Windows and narrow ones elsewhere. A library's messages are ASCII but for texts of
 // the system, of which a character that is no Latin-1 letter can only be shown as one that is missing.
-std::string Narrow(std::string_view text) {
+[[maybe_unused]] std::string Narrow(std::string_view text) {
   return std::string(text);
 }
 std::string Narrow(std::wstring_view text) {

@@ -11,6 +11,7 @@
 #include "battery/NorvBatteryInfo.h"
 #include "unit/support/LogCapture.h"
 #include "unit/support/ScriptedChannel.h"
+#include "unit/support/SystemText.h"
 
 namespace norv::test {
 namespace {
@@ -99,7 +100,7 @@ TEST_F(ReadBatteryInformation, RefusesAnIndexAboveOneBeforeAnyTraffic) {
 TEST_F(ReadBatteryInformation, AChannelStatusBecomesTheSystemsMessage) {
   Expect(1, {.status = static_cast<std::int32_t>(0x80070005U), .returnCode = 52}, false);
   EXPECT_TRUE(IsError(collection_.GetError(), ErrorCategory::SystemMessage, static_cast<std::int32_t>(0x80070005U),
-                      "Access is denied.\r\n", "long", kRead));
+                      SystemText(0x80070005U), "long", kRead));
   EXPECT_EQ(log_.Lines().back(), (LogLine{plog::error, kRead, TextForm(collection_.GetError())}));
 }
 

@@ -15,6 +15,7 @@
 #include "battery/NorvBatteryInfo.h"
 #include "unit/support/LogCapture.h"
 #include "unit/support/ScriptedChannel.h"
+#include "unit/support/SystemText.h"
 
 namespace norv::test {
 namespace {
@@ -100,7 +101,7 @@ TEST_F(ReadCellSwellProtection, RefusesAnIndexAboveOneBeforeAnyTraffic) {
 TEST_F(ReadCellSwellProtection, AChannelStatusIsLoggedAsANumber) {
   Expect(1, {.status = static_cast<std::int32_t>(0x80070005U)}, false);
   EXPECT_TRUE(IsError(collection_.GetError(), ErrorCategory::SystemMessage, static_cast<std::int32_t>(0x80070005U),
-                      "Access is denied.\r\n", "long", kRead));
+                      SystemText(0x80070005U), "long", kRead));
   EXPECT_THAT(log_.Lines(),
               ElementsAre(LogLine{plog::info, kRead, kStarted},
                           LogLine{plog::error, kRead, "PrivateBiosWMI error occurred - HRESULT = -2147024891"}));

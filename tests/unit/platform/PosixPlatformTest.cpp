@@ -199,6 +199,8 @@ TEST_F(PosixPlatform, KnowsTheTextsOfCommonCodes) {
     }
   }
   EXPECT_GE(known, 50);
+  EXPECT_EQ(Platform::Current().FormatSystemMessage(5, buffer.data(), 2018), 19U);
+  EXPECT_STREQ(buffer.data(), "Access is denied.\r\n");
 }
 
 TEST_F(PosixPlatform, HasNoWmi) {

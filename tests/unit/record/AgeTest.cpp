@@ -23,7 +23,7 @@ constexpr std::time_t kMay6 = 1557100800;  // 2019-05-06 00:00 UTC
 constexpr const char* kUtc = "UTC0";
 constexpr const char* kBerlin = "CET-1CEST,M3.5.0,M10.5.0/3";
 constexpr const char* kNewYork = "EST5EDT,M3.2.0,M11.1.0";
-constexpr const char* kKiritimati = "LINT-14";
+constexpr const char* kKiritimati = "LIN-14";  // Windows takes no name of more than three letters
 
 struct Answer {
   int age;

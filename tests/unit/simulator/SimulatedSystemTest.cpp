@@ -17,7 +17,7 @@ constexpr const char* kProgram = "C:\\Program Files\\Norv\\BatteryTest.exe";
 constexpr const char* kReport = "/Quellbrook/Tavenhall/Resources/Temp/Battery.xml";
 
 std::string ReadReport(platform::Platform& platform) {
-  std::ifstream file(platform.ProgramDataFolder().value_or("") + kReport);
+  std::ifstream file(platform.ProgramDataFolder().value_or("") + kReport, std::ios::binary);
   return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "no report";
 }
 

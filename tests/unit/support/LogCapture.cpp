@@ -12,6 +12,16 @@ namespace {
 
 LogCapture* active = nullptr;
 
+// plog hands out wide messages on Windows and narrow ones elsewhere; those of the tests are ASCII.
+template <typename Character>
+std::string Narrow(const Character* text) {
+  std::string narrow;
+  for (; *text != 0; ++text) {
+    narrow += static_cast<char>(*text);
+  }
+  return narrow;
+}
+
 }  // namespace
 
 // The library takes its appender once in a process, so one serves every test.
@@ -22,7 +32,7 @@ class Appender : public plog::IAppender {
       if (active->onLine != nullptr) {
         active->onLine();
       }
-      active->lines_.push_back({record.getSeverity(), record.getFunc(), record.getMessage()});
+      active->lines_.push_back({record.getSeverity(), record.getFunc(), Narrow(record.getMessage())});
     }
   }
 };

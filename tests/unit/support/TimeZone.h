@@ -1,7 +1,6 @@
 // The process's time zone, and the clock, for a scope.
 #pragma once
 
-#include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <string>
@@ -13,23 +12,10 @@ namespace norv::test {
 // Sets TZ to a zone in the form that needs no files: "CET-1CEST,M3.5.0,M10.5.0/3".
 class ScopedTimeZone {
  public:
-  explicit ScopedTimeZone(const char* zone) {
-    if (const char* before = std::getenv("TZ")) {
-      before_ = before;
-    }
-    ::setenv("TZ", zone, 1);
-    ::tzset();
-  }
+  explicit ScopedTimeZone(const char* zone);
   ScopedTimeZone(const ScopedTimeZone&) = delete;
   ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
-  ~ScopedTimeZone() {
-    if (before_) {
-      ::setenv("TZ", before_->c_str(), 1);
-    } else {
-      ::unsetenv("TZ");
-    }
-    ::tzset();
-  }
+  ~ScopedTimeZone();
 
  private:
   std::optional<std::string> before_;

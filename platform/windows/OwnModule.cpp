@@ -1,0 +1,50 @@
+#include "OwnModule.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <cwchar>
+
+namespace norv::platform::windows {
+
+namespace {
+
+// A text that lies in this library: whichever module holds it is the library's own, however it was loaded and named.
+constexpr const wchar_t* kOwnText = L"norvSharedInitializeLogger";
+
+// Not counted as a use of the module: nothing has to be given back. Null when it is not found.
+HMODULE OwnHandle() {
+  HMODULE module = nullptr;
+  constexpr DWORD kFlags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  return GetModuleHandleExW(kFlags, kOwnText, &module) != FALSE ? module : nullptr;
+}
+
+}  // namespace
+
+std::uint32_t OwnPath(char* buffer, std::uint32_t size) {
+  if (size == 0) {
+    return 0;
+  }
+  buffer[0] = '\0';
+  const HMODULE module = OwnHandle();
+  // Without a handle the system would answer with the path of the host.
+  const DWORD length = module != nullptr ? GetModuleFileNameA(module, buffer, size) : 0;
+  // A path that was cut is reported as long as the buffer, whose last byte not every version of Windows sets to zero.
+  const std::uint32_t written = std::min<std::uint32_t>(length, size - 1);
+  buffer[written] = '\0';
+  return written;
+}
+
+std::wstring OwnName() {
+  std::array<wchar_t, MAX_PATH> path{};
+  const HMODULE module = OwnHandle();
+  if (module == nullptr || GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())) == 0) {
+    return {};
+  }
+  path.back() = L'\0';
+  const wchar_t* const separator = std::wcsrchr(path.data(), L'\\');
+  return separator != nullptr ? separator + 1 : L"";
+}
+
+}  // namespace norv::platform::windows

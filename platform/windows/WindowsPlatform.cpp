@@ -1,0 +1,96 @@
+#include <windows.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "../SystemPlatform.h"
+#include "OwnModule.h"
+#include "RunProgram.h"
+#include "VersionResource.h"
+#include "WmiConnection.h"
+
+namespace norv::platform {
+
+namespace {
+
+constexpr std::uint32_t kNoBatteryInSlot = 6;
+
+// A copy of the process's own variable: the C runtimes of host and library may each hold theirs, taken at different
+// times. A value that grows between being measured and being read is measured anew.
+std::optional<std::string> EnvironmentValue(const char* name) {
+  std::string value;
+  DWORD needed = GetEnvironmentVariableA(name, nullptr, 0);
+  while (needed > value.size()) {
+    value.resize(needed);
+    needed = GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size()));
+  }
+  value.resize(needed);
+  return value.empty() ? std::nullopt : std::optional(value);
+}
+
+class WindowsPlatform : public Platform {
+ public:
+  // The maker's command channel is a library of its own, which a build for the maker's machines puts in the place of
+  // norv-private-bios-wmi. Without it no battery can be asked for.
+  std::int32_t SendBiosCommand(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
+                               const unsigned char* /*input*/, std::uint32_t /*inputSize*/, unsigned char* /*output*/,
+                               std::uint32_t* returnCode) override {
+    *returnCode = kNoBatteryInSlot;
+    return 0;
+  }
+
+  long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<WmiConnection>& connection) override {
+    return windows::ConnectWmi(namespacePath, windows::kWmiPatience, connection);
+  }
+
+  bool RunProgram(const char* path) override { return windows::RunProgram(path); }
+
+  bool ReadProductVersion(const char* path, ProductVersion& version) override {
+    const auto found = windows::ReadProductVersion(path);
+    version = found.value_or(version);
+    return found.has_value();
+  }
+
+  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override { return windows::OwnPath(buffer, size); }
+
+  std::wstring ModuleName() override { return windows::OwnName(); }
+
+  std::optional<std::string> ProgramDataFolder() override { return EnvironmentValue("ProgramData"); }
+
+  std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override {
+    constexpr DWORD kLanguage = MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT);
+    static_assert(kLanguage == 0x400);
+    return FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, kLanguage, buffer,
+                          size, nullptr);
+  }
+
+  std::uint32_t LastSystemCode() override { return GetLastError(); }
+
+  // The runtime itself is given the null pointer to refuse, so that its handler is called as the host has set it. A
+  // host's handler may return; then errno tells.
+  void ReportInvalidParameter() override {
+    unsigned char target = 0;
+    static_cast<void>(memcpy_s(&target, sizeof target, nullptr, sizeof target));
+    errno = EINVAL;
+  }
+
+  std::time_t Now() override { return std::time(nullptr); }
+
+  std::time_t LocalTimeValue(const std::tm& calendarTime) override {
+    std::tm normalised = calendarTime;
+    return std::mktime(&normalised);
+  }
+};
+
+}  // namespace
+
+// Never destroyed: a host may use the library until its very end.
+Platform& SystemPlatform() {
+  static auto* const platform = new WindowsPlatform;
+  return *platform;
+}
+
+}  // namespace norv::platform
