@@ -5,18 +5,40 @@
 #include <memory>
 #include <sstream>
 
+#include "Report.h"
+
 namespace norv::tool {
 
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kReportFooter =
     "Exit status:\n"
     "  0  at least one battery was read\n"
     "  1  no battery could be read; the report says why\n"
     "  2  the arguments or the machine file are wrong, or the output could not be written\n"
     "  3  the battery test ended in a verdict of the class FAIL";
 
+constexpr const char* kDecodeFooter =
+    "Exit status:\n"
+    "  0  every row was decoded\n"
+    "  1  at least one row could not be; the row says why\n"
+    "  2  the arguments are wrong, or the output could not be written";
+
+constexpr const char* kEncodeFooter =
+    "Exit status:\n"
+    "  0  every battery was encoded\n"
+    "  2  the arguments or an input are wrong, or the output could not be written";
+
 const std::map<std::string, Format> kFormats = {{"text", Format::Text}, {"json", Format::Json}};
+
+const std::map<std::string, RowFormat> kRowFormats = {
+    {"jsonl", RowFormat::JsonLines}, {"csv", RowFormat::Csv}, {"text", RowFormat::Text}};
+
+const std::map<std::string, std::optional<InputKind>> kGivenKinds = {{"bin", InputKind::Binary},
+                                                                     {"hex", InputKind::Hexadecimal}};
+
+const std::map<std::string, BlockFormat> kBlockFormats = {{"bin", BlockFormat::Binary},
+                                                          {"hex", BlockFormat::Hexadecimal}};
 
 // plog's numbers of the severities at which the library logs.
 const std::map<std::string, unsigned int> kLogSeverities = {{"none", 0}, {"error", 2}, {"info", 4}, {"verbose", 6}};
@@ -47,7 +69,55 @@ void DescribeReport(CLI::App& command, Arguments& arguments) {
             "What of the library's log to write to standard error", "none|error|info|verbose", "none");
   command.add_flag("--cell-swell", arguments.cellSwell, "Read the cell swell protection data, too");
   command.add_flag("--test", arguments.test, "Run the battery test, too, and wait for its end");
-  command.footer(kFooter);
+  command.footer(kReportFooter);
+}
+
+CLI::Option* AddToday(CLI::App& command, std::optional<Day>& today) {
+  const auto choose = [&today](const CLI::results_t& texts) {
+    today = ParseDay(texts.back());
+    if (!today || !Exists(*today) || today->year < 1970) {
+      throw CLI::ValidationError("--date", "'" + texts.back() + "' is no day YYYY-MM-DD from 1970 on");
+    }
+    return true;
+  };
+  return command.add_option("--date", choose, "Count ages up to this day")
+      ->option_text("YYYY-MM-DD [today]")
+      ->multi_option_policy(CLI::MultiOptionPolicy::Throw)
+      ->expected(1);
+}
+
+void DescribeDecode(CLI::App& command, DecodeOptions& options) {
+  constexpr unsigned int kMostJobs = 256;
+  command
+      .add_option("FILE", options.sources,
+                  "Files of 128-byte blocks, or of one block in hex digits a line; - or none "
+                  "is standard input")
+      ->option_text("[FILE ...]");
+  AddChoice(command, "--input", options.input, kGivenKinds, "What the files hold", "bin|hex", "recognised by itself");
+  AddChoice(command, "--format", options.format, kRowFormats, "How to write the rows", "jsonl|csv|text", "jsonl");
+  command.add_option("--output", options.output, "Write to this file, which appears once it is complete")
+      ->option_text("FILE");
+  command.add_option("--jobs", options.jobs, "Decode with this many threads")
+      ->option_text("N [all cores]")
+      ->check(CLI::Range(1U, kMostJobs));
+  AddToday(command, options.today);
+  command.footer(kDecodeFooter);
+}
+
+void DescribeEncode(CLI::App& command, EncodeOptions& options) {
+  CLI::Option* const files =
+      command.add_option("FILE", options.sources, "JSON reports or decoded rows; - or none is standard input")
+          ->option_text("[FILE ...]");
+  command.add_option("--machine", options.machine, "Encode this machine: a sample's name, or a machine file")
+      ->option_text("FILE-OR-SAMPLE")
+      ->excludes(files);
+  command.add_option("--slot", options.slot, "Take this slot of reports and machines")
+      ->option_text("0|1 [both]")
+      ->check(CLI::Range(0, kSlotCount - 1));
+  AddChoice(command, "--format", options.format, kBlockFormats, "How to write the blocks", "bin|hex", "hex");
+  command.add_option("--output", options.output, "Write to this file, which appears once it is complete")
+      ->option_text("FILE");
+  command.footer(kEncodeFooter);
 }
 
 // The long text of the subcommand that was named, if one was, otherwise of the tool.
@@ -60,13 +130,18 @@ std::string Help(const CLI::App& app) {
 
 ParsedArguments ParseArguments(int argc, const char* const* argv) {
   Arguments arguments;
-  CLI::App app("Reports the batteries of this machine, or of a simulated one.", "norv-battery");
+  CLI::App app("Reports the batteries of this machine, or of a simulated one, and decodes saved blocks.",
+               "norv-battery");
   app.set_version_flag("--version", "norv-battery " NORV_BATTERY_VERSION);
   app.require_subcommand(1);
-  app.footer("'norv-battery report --help' tells the options of a report.");
+  app.footer("'norv-battery COMMAND --help' tells the options of a command.");
   CLI::App* const report = app.add_subcommand("report", "Read the batteries and report them");
   CLI::App* const machines = app.add_subcommand("machines", "List the sample machines");
+  CLI::App* const decode = app.add_subcommand("decode", "Decode saved battery-information blocks");
+  CLI::App* const encode = app.add_subcommand("encode", "Make blocks from reports, decoded rows or machines");
   DescribeReport(*report, arguments);
+  DescribeDecode(*decode, arguments.decode);
+  DescribeEncode(*encode, arguments.encode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -79,7 +154,10 @@ ParsedArguments ParseArguments(int argc, const char* const* argv) {
     return {std::nullopt, "",
             isUnknownCommand ? "there is no command or option '" + app.remaining().front() + "'" : error.what()};
   }
-  arguments.command = machines->parsed() ? Command::Machines : Command::Report;
+  arguments.command = machines->parsed() ? Command::Machines
+                      : decode->parsed() ? Command::Decode
+                      : encode->parsed() ? Command::Encode
+                                         : Command::Report;
   return {arguments, "", ""};
 }
 

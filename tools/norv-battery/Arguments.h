@@ -3,9 +3,12 @@
 #include <optional>
 #include <string>
 
+#include "decode/Decode.h"
+#include "encode/Encode.h"
+
 namespace norv::tool {
 
-enum class Command { Report, Machines };
+enum class Command { Report, Machines, Decode, Encode };
 enum class Format { Text, Json };
 
 struct Arguments {
@@ -15,6 +18,8 @@ struct Arguments {
   unsigned int logSeverity = 0;  // a plog severity
   bool cellSwell = false;
   bool test = false;
+  DecodeOptions decode;
+  EncodeOptions encode;
 };
 
 // What the command line asks for.

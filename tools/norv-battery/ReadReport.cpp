@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 
 #include "TestProgress.h"
 #include "battery/NorvBatteries.h"
@@ -44,22 +45,7 @@ Capacity ReadCapacity(NorvBatteryInfo& battery) {
       .voltage = battery.GetVoltage(),
       .current = battery.GetElectricCurrent(),
       .temperature = battery.GetTemperature(),
-      .chargeRate = battery.GetBatteryChargeRate(),
-      .dischargeRate = battery.GetBatteryDischargeRate(),
   };
-}
-
-Cells ReadCells(NorvBatteryInfo& battery) {
-  Cells cells;
-  battery.GetCellVoltages(cells.voltages.data());
-  auto present = cells.voltages;
-  // A pack of fewer than four cells reads 0 for the ones that it lacks; they say nothing about its balance.
-  const auto end = std::remove(present.begin(), present.end(), 0);
-  if (end != present.begin()) {
-    const auto [lowest, highest] = std::minmax_element(present.begin(), end);
-    cells.spread = *highest - *lowest;
-  }
-  return cells;
 }
 
 Status ReadStatus(const NorvBatteryInfo& battery) {
@@ -83,16 +69,17 @@ Status ReadStatus(const NorvBatteryInfo& battery) {
 }
 
 Attributes ReadAttributes(const NorvBatteryInfo& battery) {
+  const CtFields ct = ReadCtFields(battery);
   return {
       .packSupplier = battery.GetPackSupplier(),
       .cellSupplier = battery.GetCellSupplier(),
       .calibrationType = battery.GetCalibrationType(),
       .overCurrentProtection = battery.GetOverCurrentProtection(),
       .designCycleCount = battery.GetDesignCycleCount(),
-      .ctAssembly = battery.GetCtAssembly(),
-      .ctRevision = battery.GetCtRevision(),
-      .ctSupplier = battery.GetCtSupplier(),
-      .ctManufacturingWeek = battery.GetCtMfgWeek(),
+      .ctAssembly = ct.assembly,
+      .ctRevision = ct.revision,
+      .ctSupplier = ct.supplier,
+      .ctManufacturingWeek = ct.manufacturingWeek,
   };
 }
 
@@ -124,32 +111,21 @@ Validity ReadValidity(NorvBatteryInfo& battery) {
   return {valid, ReadFailure(battery.GetError())};
 }
 
-// IsValid and GetAge share the record's error. The failures of GetAge alone name their operation, which tells a fresh
-// one from the defect that IsValid left there.
+// IsValid and GetAge share the record's error.
 Age ReadAge(NorvBatteryInfo& battery) {
-  Age age{battery.GetAge(), ReadFailure(battery.GetError())};
-  if (age.error && age.error->function.empty()) {
-    age.error.reset();
-  }
-  return age;
+  const int value = battery.GetAge();
+  return {value, IsAgeFailure(battery.GetError()) ? ReadFailure(battery.GetError()) : std::nullopt};
 }
 
 BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
-  BatteryReport report;
+  BatteryReport report = ReadBlock(battery);
   report.slot = slot;
-  // Validity before age: the error that GetAge leaves would make the record invalid.
-  report.validity = ReadValidity(battery);
-  report.identity = ReadIdentity(battery);
-  report.capacity = ReadCapacity(battery);
-  report.cells = ReadCells(battery);
-  report.status = ReadStatus(battery);
-  report.attributes = ReadAttributes(battery);
+  report.capacity.chargeRate = battery.GetBatteryChargeRate();
+  report.capacity.dischargeRate = battery.GetBatteryDischargeRate();
   report.settings = {battery.GetAdaptiveBatteryOptimizerInfo(), battery.GetBatteryCareInfo()};
   report.cellSwellProtection = ReadCellSwellProtection(battery);
   report.testVerdict = {battery.GetBatteryTestResult(), battery.GetBatteryTestResultLabel(),
                         battery.GetBatteryTestVersion()};
-  report.dates = {battery.GetManufacturingDate(), battery.GetWarrantyType(), battery.GetWarrantyDate(),
-                  ReadAge(battery)};
   return report;
 }
 
@@ -169,6 +145,43 @@ TestReport RunTest(NorvBatteries& batteries, NorvBatteryTestInfo& test) {
 }
 
 }  // namespace
+
+CtFields ReadCtFields(const NorvBatteryInfo& battery) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  return {battery.GetCtAssembly(), battery.GetCtRevision(), battery.GetCtSupplier(), battery.GetCtMfgWeek()};
+}
+
+Cells ReadCells(NorvBatteryInfo& battery) {
+  Cells cells;
+  battery.GetCellVoltages(cells.voltages.data());
+  auto present = cells.voltages;
+  // A pack of fewer than four cells reads 0 for the ones that it lacks; they say nothing about its balance.
+  const auto end = std::remove(present.begin(), present.end(), 0);
+  if (end != present.begin()) {
+    const auto [lowest, highest] = std::minmax_element(present.begin(), end);
+    cells.spread = *highest - *lowest;
+  }
+  return cells;
+}
+
+bool IsAgeFailure(const Error& error) {
+  return error && *error.GetFunctionText() != '\0';
+}
+
+BatteryReport ReadBlock(NorvBatteryInfo& battery) {
+  BatteryReport report;
+  // Validity before age: the error that GetAge leaves would make the record invalid.
+  report.validity = ReadValidity(battery);
+  report.identity = ReadIdentity(battery);
+  report.capacity = ReadCapacity(battery);
+  report.cells = ReadCells(battery);
+  report.status = ReadStatus(battery);
+  report.attributes = ReadAttributes(battery);
+  report.dates = {battery.GetManufacturingDate(), battery.GetWarrantyType(), battery.GetWarrantyDate(),
+                  ReadAge(battery)};
+  return report;
+}
 
 Report ReadReport(const Source& source, const ReadOptions& options) {
   auto test = options.test ? std::make_unique<NorvBatteryTestInfo>() : nullptr;

@@ -71,6 +71,9 @@ void AddCapacity(TextLines& lines, const Capacity& capacity) {
   lines.Row("Voltage", capacity.voltage);
   lines.Row("Current", Current(capacity.current));
   lines.Row("Temperature", Temperature(capacity.temperature));
+}
+
+void AddRates(TextLines& lines, const Capacity& capacity) {
   lines.Row("Charge rate", std::to_string(capacity.chargeRate) + kOfTheSystem);
   lines.Row("Discharge rate", std::to_string(capacity.dischargeRate) + kOfTheSystem);
 }
@@ -179,9 +182,20 @@ void AddValidity(TextLines& lines, const Validity& validity) {
 
 }  // namespace
 
+void AddBlock(TextLines& lines, const BatteryReport& battery) {
+  AddIdentity(lines, battery.identity);
+  AddCapacity(lines, battery.capacity);
+  AddCells(lines, battery.cells);
+  AddStatus(lines, battery.status);
+  AddDates(lines, battery.dates, battery.identity.serialNumber);
+  AddAttributes(lines, battery.attributes);
+  AddValidity(lines, battery.validity);
+}
+
 void AddBattery(TextLines& lines, const BatteryReport& battery, bool cellSwellRequested) {
   AddIdentity(lines, battery.identity);
   AddCapacity(lines, battery.capacity);
+  AddRates(lines, battery.capacity);
   AddCells(lines, battery.cells);
   AddStatus(lines, battery.status);
   AddDates(lines, battery.dates, battery.identity.serialNumber);

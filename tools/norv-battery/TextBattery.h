@@ -5,6 +5,9 @@
 
 namespace norv::tool {
 
+// The sections of what a battery-information block says.
+void AddBlock(TextLines& lines, const BatteryReport& battery);
+
 // The sections of one battery.
 void AddBattery(TextLines& lines, const BatteryReport& battery, bool cellSwellRequested);
 

@@ -4,23 +4,19 @@
 
 #include "Arguments.h"
 #include "EscapeText.h"
+#include "ExitStatus.h"
 #include "LogToStandardError.h"
 #include "Machine.h"
 #include "ReadReport.h"
 #include "StandardStreams.h"
 #include "Verdict.h"
 #include "WriteReport.h"
+#include "decode/Decode.h"
+#include "encode/Encode.h"
 
 namespace norv::tool {
 
 namespace {
-
-enum ExitStatus : int {
-  kSuccess = 0,
-  kNoBattery = 1,
-  kUnusable = 2,  // arguments, machine file or output
-  kTestFailed = 3,
-};
 
 std::string SampleList() {
   const auto samples = simulator::SampleMachines();
@@ -68,10 +64,17 @@ int Run(int argc, const char* const* argv) {
   if (!parsed.arguments) {
     return WriteToStandardOutput(parsed.output) ? kSuccess : kUnusable;
   }
-  if (parsed.arguments->command == Command::Machines) {
-    return WriteToStandardOutput(SampleList()) ? kSuccess : kUnusable;
+  switch (parsed.arguments->command) {
+    case Command::Report:
+      return MakeReport(*parsed.arguments);
+    case Command::Machines:
+      return WriteToStandardOutput(SampleList()) ? kSuccess : kUnusable;
+    case Command::Decode:
+      return RunDecode(parsed.arguments->decode);
+    case Command::Encode:
+      return RunEncode(parsed.arguments->encode);
   }
-  return MakeReport(*parsed.arguments);
+  return kUnusable;
 }
 
 }  // namespace

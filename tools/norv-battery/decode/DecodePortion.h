@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+#include "decode/BlockReader.h"
+#include "decode/OutputBuffer.h"
+#include "decode/RowWriter.h"
+
+namespace norv::tool {
+
+struct RowCounts {
+  std::uint64_t good = 0;
+  std::uint64_t bad = 0;
+};
+
+// Appends the rows of `portion` to `output`.
+RowCounts DecodePortion(const Portion& portion, RowFormat format, OutputBuffer& output);
+
+}  // namespace norv::tool

@@ -1,0 +1,165 @@
+#include "encode/BlockFromJson.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Day.h"
+
+namespace norv::tool {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// A 16-bit little-endian word of a block.
+struct WordField {
+  const char* group;
+  const char* key;
+  std::size_t offset;
+};
+
+constexpr std::array<WordField, 10> kWords{{
+    {"capacity", "designCapacity", 0x00},
+    {"capacity", "fullChargeCapacity", 0x02},
+    {"capacity", "remainingCapacity", 0x04},
+    {"capacity", "maxError", 0x06},
+    {"capacity", "cycleCount", 0x08},
+    {"capacity", "temperature", 0x0A},
+    {"capacity", "voltage", 0x0C},
+    {"capacity", "current", 0x0E},
+    {"capacity", "designVoltage", 0x10},
+    {"status", "word", 0x12},
+}};
+
+constexpr std::size_t kCellVoltages = 0x14;
+constexpr std::size_t kCellCount = 4;
+
+struct TextField {
+  const char* key;  // of the identity
+  std::size_t offset;
+  std::size_t width;
+};
+
+constexpr std::array<TextField, 4> kTexts{{
+    {"serialNumber", 0x1C, 16},
+    {"manufacturer", 0x2C, 18},
+    {"ctNumber", 0x3E, 16},
+    {"deviceName", 0x4F, 7},
+}};
+
+constexpr std::size_t kManufactureDate = 0x5C;
+
+[[noreturn]] void Fail(const std::string& path, const std::string& expected, const Json& found) {
+  constexpr std::size_t kShown = 40;
+  std::string text = found.dump(-1, ' ', true, Json::error_handler_t::replace);
+  if (text.size() > kShown) {
+    text = text.substr(0, kShown) + " ...";
+  }
+  throw BlockValueError(path + ": expected " + expected + ", found " + text);
+}
+
+const Json& Member(const Json& battery, const std::string& group, const std::string& key) {
+  const auto outer = battery.find(group);
+  if (outer == battery.end() || !outer->is_object()) {
+    throw BlockValueError(group + ": expected an object of this name");
+  }
+  const auto inner = outer->find(key);
+  if (inner == outer->end()) {
+    throw BlockValueError(group + "." + key + ": is missing");
+  }
+  return *inner;
+}
+
+void PutWord(Block& block, std::size_t offset, std::uint64_t word) {
+  block[offset] = static_cast<unsigned char>(word & 0xFFU);
+  block[offset + 1] = static_cast<unsigned char>(word >> 8U);
+}
+
+void PutNumber(Block& block, std::size_t offset, const Json& number, const std::string& path) {
+  constexpr std::uint64_t kHighest = 0xFFFF;
+  if (!number.is_number_unsigned() || number.get<std::uint64_t>() > kHighest) {
+    Fail(path, "a whole number of 0 to 65535", number);
+  }
+  PutWord(block, offset, number.get<std::uint64_t>());
+}
+
+void PutCells(Block& block, const Json& voltages) {
+  if (!voltages.is_array() || voltages.size() != kCellCount) {
+    Fail("cells.voltages", "an array of four numbers", voltages);
+  }
+  for (std::size_t cell = 0; cell < kCellCount; ++cell) {
+    PutNumber(block, kCellVoltages + 2 * cell, voltages[cell], "cells.voltages[" + std::to_string(cell) + "]");
+  }
+}
+
+// The bytes that the code points U+0001 to U+00FF of `text`, which is UTF-8, stand for; nothing when it has others. A
+// NUL would end the text.
+std::optional<std::string> BytesOf(const std::string& text) {
+  std::string bytes;
+  for (std::size_t position = 0; position < text.size(); ++position) {
+    const auto first = static_cast<unsigned char>(text[position]);
+    if (first == 0 || first > 0xC3) {
+      return std::nullopt;
+    }
+    if (first < 0x80) {
+      bytes += text[position];
+    } else {
+      const auto second = static_cast<unsigned char>(text[++position]);
+      bytes += static_cast<char>((first & 0x03U) << 6U | (second & 0x3FU));
+    }
+  }
+  return bytes;
+}
+
+void PutText(Block& block, const TextField& field, const Json& text) {
+  const auto bytes = text.is_string() ? BytesOf(text.get<std::string>()) : std::nullopt;
+  if (!bytes || bytes->size() > field.width) {
+    Fail(std::string("identity.") + field.key,
+         "a text of at most " + std::to_string(field.width) + " characters, U+0001 to U+00FF", text);
+  }
+  std::size_t position = field.offset;
+  for (const char byte : *bytes) {
+    block[position++] = static_cast<unsigned char>(byte);
+  }
+}
+
+// An empty date stands for every word that is no date; zero is one of them.
+void PutDate(Block& block, const Json& date) {
+  constexpr int kFirstYear = 1980;
+  constexpr int kLastYear = kFirstYear + 127;
+  constexpr std::string_view kMidnight = "T00:00:00+00:00";
+  if (date == "") {
+    return;
+  }
+  const std::string text = date.is_string() ? date.get<std::string>() : "";
+  const auto packed = text.ends_with(kMidnight)
+                          ? ParseDay(std::string_view(text).substr(0, text.size() - kMidnight.size()))
+                          : std::nullopt;
+  if (!packed || packed->year < kFirstYear || packed->year > kLastYear) {
+    Fail("dates.manufacturingDate", "\"YYYY-MM-DDT00:00:00+00:00\" with a year of 1980 to 2107, or an empty text",
+         date);
+  }
+  PutWord(block, kManufactureDate,
+          static_cast<std::uint64_t>((packed->year - kFirstYear) << 9 | packed->month << 5 | packed->day));
+}
+
+}  // namespace
+
+Block BlockFromJson(const Json& battery) {
+  Block block{};
+  for (const WordField& field : kWords) {
+    PutNumber(block, field.offset, Member(battery, field.group, field.key), std::string(field.group) + "." + field.key);
+  }
+  PutCells(block, Member(battery, "cells", "voltages"));
+  for (const TextField& field : kTexts) {
+    PutText(block, field, Member(battery, "identity", field.key));
+  }
+  PutDate(block, Member(battery, "dates", "manufacturingDate"));
+  return block;
+}
+
+}  // namespace norv::tool

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+#include <nlohmann/json_fwd.hpp>
+#include <stdexcept>
+
+#include "decode/BlockReader.h"
+
+namespace norv::tool {
+
+using Block = std::array<unsigned char, kBlockSize>;
+
+// Values that no block can hold. what() names the place in the JSON text and what was expected there.
+class BlockValueError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The block that `battery` was decoded from: an object as reports and decoded rows hold it. Only what a block holds
+// itself is read; everything that is worked out from it (percentages, flags, suppliers, validity ...) is passed over.
+// Bytes that are not decoded become zeros.
+Block BlockFromJson(const nlohmann::json& battery);
+
+}  // namespace norv::tool

@@ -1,0 +1,240 @@
+#include "encode/Encode.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <iostream>
+#include <istream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+
+#include "BinaryStreams.h"
+#include "EscapeText.h"
+#include "ExitStatus.h"
+#include "Machine.h"
+#include "OutputTarget.h"
+#include "Report.h"
+#include "StandardStreams.h"
+#include "encode/BlockFromJson.h"
+#include "norv/platform/Platform.h"
+
+namespace norv::tool {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// An input that cannot be encoded. what() says which, where and why.
+class InputError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class OutputError : public std::exception {};
+
+// Writes blocks; what could not be written ends the command by an exception.
+class BlockWriter {
+ public:
+  BlockWriter(OutputTarget& output, BlockFormat format) : output_(output), format_(format) {}
+
+  // `id`, which may be empty, is lost in a binary output.
+  void Write(const std::string& id, const Block& block) {
+    if (format_ == BlockFormat::Binary) {
+      pending_.append(reinterpret_cast<const char*>(block.data()), block.size());
+    } else {
+      AppendLine(id, block);
+    }
+    constexpr std::size_t kMuch = 64 * 1024;
+    if (pending_.size() >= kMuch) {
+      Flush();
+    }
+  }
+
+  void Complete() {
+    Flush();
+    if (!output_.Complete()) {
+      throw OutputError();
+    }
+  }
+
+ private:
+  void AppendLine(const std::string& id, const Block& block) {
+    constexpr std::string_view kHexDigits = "0123456789abcdef";
+    if (!id.empty()) {
+      pending_ += id;
+      pending_ += ',';
+    }
+    for (const unsigned char byte : block) {
+      pending_ += kHexDigits[byte >> 4U];
+      pending_ += kHexDigits[byte & 0x0FU];
+    }
+    pending_ += '\n';
+  }
+
+  void Flush() {
+    if (!output_.Write(pending_)) {
+      throw OutputError();
+    }
+    pending_.clear();
+  }
+
+  OutputTarget& output_;
+  BlockFormat format_;
+  std::string pending_;
+};
+
+// The identifier of a decoded row; empty where it has none.
+std::string ReadId(const Json& row) {
+  const auto found = row.find("id");
+  if (found == row.end() || found->is_null()) {
+    return "";
+  }
+  const std::string id = found->is_string() ? found->get<std::string>() : "";
+  if (id.empty() || id.find_first_of(",\r\n") != std::string::npos) {
+    throw BlockValueError("id: expected null, or a text without commas and line ends");
+  }
+  return id;
+}
+
+void EncodeRow(const Json& row, BlockWriter& writer) {
+  const auto problem = row.find("rowError");
+  if (problem != row.end() && !problem->is_null()) {
+    throw BlockValueError("rowError: the row stands for an input that was no block");
+  }
+  writer.Write(ReadId(row), BlockFromJson(row));
+}
+
+void EncodeReport(const Json& report, const std::optional<int>& slot, BlockWriter& writer) {
+  const Json& batteries = report.at("batteries");
+  if (!batteries.is_array()) {
+    throw BlockValueError("batteries: expected an array");
+  }
+  bool isAny = false;
+  for (std::size_t index = 0; index < batteries.size(); ++index) {
+    if (batteries[index].is_null() || (slot && static_cast<std::size_t>(*slot) != index)) {
+      continue;
+    }
+    try {
+      writer.Write("", BlockFromJson(batteries[index]));
+    } catch (const BlockValueError& failure) {
+      throw BlockValueError("batteries[" + std::to_string(index) + "]." + failure.what());
+    }
+    isAny = true;
+  }
+  if (!isAny) {
+    throw BlockValueError(slot ? "batteries[" + std::to_string(*slot) + "]: there is no battery"
+                               : std::string("batteries: there is no battery"));
+  }
+}
+
+void EncodeValue(const Json& value, const std::optional<int>& slot, BlockWriter& writer) {
+  if (value.contains("batteries")) {
+    EncodeReport(value, slot, writer);
+  } else if (value.contains("slots")) {
+    throw BlockValueError("this is a machine file, which --machine takes");
+  } else if (value.contains("identity") || value.contains("rowError")) {
+    EncodeRow(value, writer);
+  } else {
+    throw BlockValueError("expected a JSON report or a decoded row: an object with \"batteries\" or \"identity\"");
+  }
+}
+
+// One JSON value after another, until the end of `input`.
+void EncodeStream(const std::string& name, std::istream& input, const std::optional<int>& slot, BlockWriter& writer) {
+  for (std::uint64_t number = 1; input >> std::ws && !input.eof(); ++number) {
+    const auto where = [&name, number] {
+      return "'" + EscapeText(name) + "', JSON value " + std::to_string(number) + ": ";
+    };
+    Json value;
+    try {
+      input >> value;
+    } catch (const Json::parse_error& failure) {
+      throw InputError(where() + EscapeText(failure.what()));
+    }
+    try {
+      EncodeValue(value, slot, writer);
+    } catch (const BlockValueError& failure) {
+      throw InputError(where() + failure.what());
+    }
+  }
+}
+
+void EncodeSource(const std::string& name, const std::optional<int>& slot, BlockWriter& writer) {
+  if (name == "-") {
+    EncodeStream("standard input", std::cin, slot, writer);
+    return;
+  }
+  errno = 0;
+  std::ifstream file(name, std::ios::binary);
+  if (!file || (file.peek() == std::ifstream::traits_type::eof() && errno != 0)) {
+    throw InputError("'" + EscapeText(name) + "' cannot be read: " + std::generic_category().message(errno));
+  }
+  file.clear();
+  EncodeStream(name, file, slot, writer);
+}
+
+// What the BIOS of the machine answers for a slot; nothing when it reads no battery there.
+std::optional<Block> AskForBlock(platform::Platform& machine, int slot) {
+  constexpr std::uint32_t kRead = 1;
+  constexpr std::uint32_t kBatteryInformation = 7;
+  Block input{};
+  input[0] = static_cast<unsigned char>(slot);
+  Block block{};
+  std::uint32_t returnCode = 0;
+  const std::int32_t status =
+      machine.SendBiosCommand(kRead, kBatteryInformation, 1, input.data(), kBlockSize, block.data(), &returnCode);
+  return status == 0 && returnCode == 0 ? std::optional(block) : std::nullopt;
+}
+
+void EncodeMachine(const std::string& name, const std::optional<int>& slot, BlockWriter& writer) {
+  const Machine machine = ChooseMachine(name);
+  bool isAny = false;
+  for (int index = 0; index < kSlotCount; ++index) {
+    const auto block =
+        slot.value_or(index) == index ? AskForBlock(machine.simulated->AsPlatform(), index) : std::nullopt;
+    if (block) {
+      writer.Write("", *block);
+      isAny = true;
+    }
+  }
+  if (!isAny) {
+    throw InputError("'" + EscapeText(name) + "' has no battery" + (slot ? " in slot " + std::to_string(*slot) : ""));
+  }
+}
+
+void EncodeAll(const EncodeOptions& options, BlockWriter& writer) {
+  if (options.machine) {
+    EncodeMachine(*options.machine, options.slot, writer);
+    return;
+  }
+  const std::vector<std::string> standardInput{"-"};
+  for (const std::string& source : options.sources.empty() ? standardInput : options.sources) {
+    EncodeSource(source, options.slot, writer);
+  }
+}
+
+}  // namespace
+
+int RunEncode(const EncodeOptions& options) {
+  UseBinaryStreams();
+  const auto output = OpenOutput(options.output);
+  if (output == nullptr) {
+    return kUnusable;
+  }
+  try {
+    BlockWriter writer(*output, options.format);
+    EncodeAll(options, writer);
+    writer.Complete();
+  } catch (const InputError& failure) {
+    Complain(failure.what());
+    return kUnusable;
+  } catch (const OutputError&) {
+    return kUnusable;  // it has been said
+  }
+  return kSuccess;
+}
+
+}  // namespace norv::tool
