@@ -2,30 +2,10 @@
 
 #include <cstring>
 
+#include "access/CellSwellProtectionBlock.h"
 #include "norv/platform/Platform.h"
-#include "record/Block.h"
 
 namespace norv::shared::battery {
-
-namespace {
-
-// The cell swell protection block: counters one after another, the rest reserved.
-constexpr record::Field kTimeCharge{0, 2};
-constexpr record::Field kTimeDischarge{2, 2};
-constexpr record::Field kTimeRelax{4, 2};
-constexpr record::Field kTimeSleep{6, 2};
-constexpr record::Field kTimeFullCharge{8, 2};
-constexpr record::Field kTimeRSOC{10, 2};
-constexpr record::Field kCSPATime{12, 2};
-constexpr record::Field kCSPBTime{14, 2};
-constexpr record::Field kCSPARunningTime{16, 2};
-constexpr record::Field kCSPBRunningTime{18, 2};
-constexpr record::Field kCSPATemp1Time{20, 2};
-constexpr record::Field kCSPBTemp1Time{22, 2};
-constexpr record::Field kCSPATemp2Time{24, 2};
-constexpr record::Field kCSPBTemp2Time{26, 2};
-
-}  // namespace
 
 NorvBatteryCellSwellProtectionInfo::NorvBatteryCellSwellProtectionInfo(const unsigned char* block) : block_{} {
   if (block == nullptr) {
@@ -47,46 +27,46 @@ NorvBatteryCellSwellProtectionInfo& NorvBatteryCellSwellProtectionInfo::operator
     const NorvBatteryCellSwellProtectionInfo& other) = default;
 
 int NorvBatteryCellSwellProtectionInfo::GetTimeCharge() const {
-  return record::Word(block_, kTimeCharge);
+  return record::Word(block_, access::kTimeCharge);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeDischarge() const {
-  return record::Word(block_, kTimeDischarge);
+  return record::Word(block_, access::kTimeDischarge);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeRelax() const {
-  return record::Word(block_, kTimeRelax);
+  return record::Word(block_, access::kTimeRelax);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeSleep() const {
-  return record::Word(block_, kTimeSleep);
+  return record::Word(block_, access::kTimeSleep);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeFullCharge() const {
-  return record::Word(block_, kTimeFullCharge);
+  return record::Word(block_, access::kTimeFullCharge);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeRSOC() const {
-  return record::Word(block_, kTimeRSOC);
+  return record::Word(block_, access::kTimeRSOC);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPATime() const {
-  return record::Word(block_, kCSPATime);
+  return record::Word(block_, access::kCSPATime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBTime() const {
-  return record::Word(block_, kCSPBTime);
+  return record::Word(block_, access::kCSPBTime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPARunningTime() const {
-  return record::Word(block_, kCSPARunningTime);
+  return record::Word(block_, access::kCSPARunningTime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBRunningTime() const {
-  return record::Word(block_, kCSPBRunningTime);
+  return record::Word(block_, access::kCSPBRunningTime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPATemp1Time() const {
-  return record::Word(block_, kCSPATemp1Time);
+  return record::Word(block_, access::kCSPATemp1Time);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBTemp1Time() const {
-  return record::Word(block_, kCSPBTemp1Time);
+  return record::Word(block_, access::kCSPBTemp1Time);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPATemp2Time() const {
-  return record::Word(block_, kCSPATemp2Time);
+  return record::Word(block_, access::kCSPATemp2Time);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBTemp2Time() const {
-  return record::Word(block_, kCSPBTemp2Time);
+  return record::Word(block_, access::kCSPBTemp2Time);
 }
 
 }  // namespace norv::shared::battery

@@ -3,47 +3,77 @@
 #include <plog/Logger.h>
 
 #include <string>
+#include <utility>
 
 namespace norv::shared::battery::diagnostics {
 
 namespace {
 
-bool IsLogged(Severity severity) {
+// Plain data: nothing to construct or destroy when a thread or the library comes or goes.
+thread_local LogListener* currentListener = nullptr;
+
+bool LoggerWants(Severity severity) {
   const auto* logger = plog::get<PLOG_DEFAULT_INSTANCE_ID>();
   return logger != nullptr && logger->checkSeverity(static_cast<plog::Severity>(severity));
 }
 
-void Write(Severity severity, LogSite site, const std::string& text) {
+bool ListenerWants(Severity severity) {
+  return currentListener != nullptr && currentListener->Wants(severity);
+}
+
+void WriteToLogger(Severity severity, LogSite site, const std::string& text) {
   plog::Record record(static_cast<plog::Severity>(severity), site.operation, static_cast<std::size_t>(site.line), "",
                       nullptr, PLOG_DEFAULT_INSTANCE_ID);
   record << text;
   plog::get<PLOG_DEFAULT_INSTANCE_ID>()->write(record);
 }
 
-}  // namespace
-
-void Log(Severity severity, LogSite site, std::initializer_list<std::string_view> texts) noexcept {
+// The listener comes first: the host's appender may throw.
+template <typename MakeText>
+void Write(Severity severity, LogSite site, MakeText makeText) noexcept {
   try {
-    if (IsLogged(severity)) {
-      std::string line;
-      for (const std::string_view text : texts) {
-        line += text;
+    const bool toLogger = LoggerWants(severity);
+    const bool toListener = ListenerWants(severity);
+    if (toLogger || toListener) {
+      const std::string text = makeText();
+      if (toListener) {
+        currentListener->Write(severity, site, text);
       }
-      Write(severity, site, line);
+      if (toLogger) {
+        WriteToLogger(severity, site, text);
+      }
     }
   } catch (...) {  // NOLINT(bugprone-empty-catch): a line that cannot be written is dropped
   }
 }
 
-void LogError(const error::Error& error, LogSite site) noexcept {
-  try {
-    if (IsLogged(Severity::Error)) {
-      std::string text(error::Error::ToString(error, nullptr), '-');
-      error::Error::ToString(error, text.data());
-      Write(Severity::Error, site, text);
+}  // namespace
+
+LogListener::~LogListener() = default;
+
+ScopedLogListener::ScopedLogListener(LogListener* listener) : previous_(std::exchange(currentListener, listener)) {
+}
+
+ScopedLogListener::~ScopedLogListener() {
+  currentListener = previous_;
+}
+
+void Log(Severity severity, LogSite site, std::initializer_list<std::string_view> texts) noexcept {
+  Write(severity, site, [texts] {
+    std::string line;
+    for (const std::string_view text : texts) {
+      line += text;
     }
-  } catch (...) {  // NOLINT(bugprone-empty-catch): a line that cannot be written is dropped
-  }
+    return line;
+  });
+}
+
+void LogError(const error::Error& error, LogSite site) noexcept {
+  Write(Severity::Error, site, [&error] {
+    std::string text(error::Error::ToString(error, nullptr), '-');
+    error::Error::ToString(error, text.data());
+    return text;
+  });
 }
 
 }  // namespace norv::shared::battery::diagnostics

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <string>
 #include <string_view>
 
 #include "norv/shared/error/Error.h"
@@ -20,8 +21,34 @@ struct LogSite {
   int line;
 };
 
-// Writes one line, the texts joined. Does nothing without a logger that lets the severity through. A line that cannot
-// be written, for want of memory or because the host's appender throws, is dropped: logging never fails an operation.
+// Takes lines beside the logger that the host gave for the whole process.
+class LogListener {
+ public:
+  LogListener() = default;
+  LogListener(const LogListener&) = delete;
+  LogListener& operator=(const LogListener&) = delete;
+  virtual ~LogListener();
+
+  virtual bool Wants(Severity severity) const = 0;
+  virtual void Write(Severity severity, LogSite site, const std::string& text) = 0;
+};
+
+// Gives a listener what this thread logs for as long as the scope lives, then puts the one before it back. The listener
+// outlives the scope; a null pointer listens to nothing.
+class ScopedLogListener {
+ public:
+  explicit ScopedLogListener(LogListener* listener);
+  ScopedLogListener(const ScopedLogListener&) = delete;
+  ScopedLogListener& operator=(const ScopedLogListener&) = delete;
+  ~ScopedLogListener();
+
+ private:
+  LogListener* previous_;
+};
+
+// Writes one line, the texts joined. Does nothing without a logger or listener that lets the severity through. A line
+// that cannot be written, for want of memory or because the host's appender throws, is dropped: logging never fails an
+// operation.
 void Log(Severity severity, LogSite site, std::initializer_list<std::string_view> texts) noexcept;
 
 // Writes the text form of `error` at severity error.

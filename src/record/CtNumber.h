@@ -20,6 +20,9 @@ inline constexpr CtField kCtRevision{4, 2, 6};
 inline constexpr CtField kCtSupplier{6, 2, 6};
 inline constexpr CtField kCtMfgWeek{8, 2, 6};
 
+// What stands for a field of a CT number that is too short for it.
+inline constexpr const char* kNoCtField = "NA";
+
 // True for a 6 followed by 13 ASCII letters or digits.
 bool IsCtNumber(std::string_view text);
 

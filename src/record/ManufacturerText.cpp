@@ -150,7 +150,7 @@ std::optional<char> CalibrationType(std::string_view manufacturer) {
   return manufacturer[*shape->calibration];
 }
 
-int OverCurrentProtection(std::string_view manufacturer, int designCapacity) {
+std::optional<int> FindOverCurrentProtection(std::string_view manufacturer, int designCapacity) {
   // Unsigned, so that a negative code lies above every range.
   const auto code = static_cast<std::uint32_t>(OverCurrentCode(manufacturer));
   if (code < 200) {
@@ -159,7 +159,11 @@ int OverCurrentProtection(std::string_view manufacturer, int designCapacity) {
   if (code < 220) {
     return TruncateToInt((code / 20.0 - 10.0) * designCapacity);
   }
-  return 0;
+  return std::nullopt;
+}
+
+int OverCurrentProtection(std::string_view manufacturer, int designCapacity) {
+  return FindOverCurrentProtection(manufacturer, designCapacity).value_or(0);
 }
 
 }  // namespace norv::shared::battery::record

@@ -17,7 +17,10 @@ const char* DesignCycleCount(std::string_view manufacturer);
 // Nothing where the text has no shape, or one without a calibration type.
 std::optional<char> CalibrationType(std::string_view manufacturer);
 
-// In the unit of `designCapacity`; 0 for a code without a meaning.
+// In the unit of `designCapacity`; nothing for a code without a meaning.
+std::optional<int> FindOverCurrentProtection(std::string_view manufacturer, int designCapacity);
+
+// The same; 0 for a code without a meaning.
 int OverCurrentProtection(std::string_view manufacturer, int designCapacity);
 
 }  // namespace norv::shared::battery::record

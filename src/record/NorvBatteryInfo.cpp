@@ -68,7 +68,7 @@ template <std::size_t Size>
 const char* CopyCtField(std::string_view ctNumber, record::CtField field, char (&buffer)[Size]) {
   const auto characters = record::FindCtField(ctNumber, field);
   if (!characters) {
-    return "NA";
+    return record::kNoCtField;
   }
   std::fill_n(buffer, Size, '\0');
   characters->copy(buffer, Size - 1);

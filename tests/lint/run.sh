@@ -68,9 +68,17 @@ SystemConditions() {
 # A host of any C++17 compiler reads these headers: no Windows header, no log macro, no third-party type.
 PublicIncludes() {
   local files
-  mapfile -t files < <(Sources include)
+  mapfile -t files < <(Sources include | grep -vxF include/battery/norv_battery.h)
   None '^[[:space:]]*#[[:space:]]*include[[:space:]]*(<([^>]*/|[a-z_0-9]+\.h>)|"(windows|plog|nlohmann|CLI)[./])' \
     "a public header includes more than the standard library and the project's own headers:" "${files[@]}"
+}
+
+# The C header is for every compiler and binding generator there is: three headers of C99 and no other.
+CIncludes() {
+  local others
+  others=$(grep -E '^[[:space:]]*#[[:space:]]*include' include/battery/norv_battery.h |
+    grep -vE '^#include <std(bool|def|int)\.h>$' || true)
+  [[ -z $others ]] || { printf 'the C header includes more than it may:\n%s\n' "$others"; return 1; }
 }
 
 ShellScripts() { grep -rlE '^#!/usr/bin/env bash' dev .ci tests tools simulator cmake 2>/dev/null; }
@@ -82,6 +90,7 @@ Check "no operating-system header under src/" SystemIncludes || true
 Check "the library includes nothing of simulator, tool and tests" UpwardIncludes || true
 Check "the tool includes installed headers only" ToolIncludes || true
 Check "public headers include the standard library only" PublicIncludes || true
+Check "the C header includes three standard headers only" CIncludes || true
 Check "no condition on the operating system outside its two places" SystemConditions || true
 Check "shell scripts: syntax" ShellSyntax || true
 Check "shell scripts: shellcheck" ShellCheck || true

@@ -1,0 +1,167 @@
+// Opening, asking and closing collections.
+#include <memory>
+#include <utility>
+
+#include "c-interface/ErrorParts.h"
+#include "c-interface/Guard.h"
+#include "c-interface/Handles.h"
+#include "c-interface/Interface.h"
+
+using norv::shared::battery::NorvBatteryInfo;
+using norv::shared::battery::NorvBatteryTestInfo;
+using norv::shared::battery::c_interface::CheckStructure;
+using norv::shared::battery::c_interface::CopyErrorText;
+using norv::shared::battery::c_interface::Guarded;
+using norv::shared::battery::c_interface::HostChannel;
+using norv::shared::battery::c_interface::HostLog;
+using norv::shared::battery::c_interface::IsOutOfMemory;
+using norv::shared::battery::c_interface::WriteError;
+using norv::shared::battery::diagnostics::ScopedLogListener;
+
+namespace {
+
+constexpr std::uint32_t kKnownFlags = NORV_BATTERY_READ_CELL_SWELL | NORV_BATTERY_RUN_TEST;
+
+bool IsSet(const norv_battery_options& options, std::uint32_t flag) {
+  return (options.flags & flag) != 0;
+}
+
+norv_battery_status CheckOptions(const norv_battery_options& options) {
+  if (const norv_battery_status status = CheckStructure(&options); status != NORV_BATTERY_OK) {
+    return status;
+  }
+  const bool areKnown = (options.flags & ~kKnownFlags) == 0 && options.logLevel >= NORV_BATTERY_LOG_NONE &&
+                        options.logLevel <= NORV_BATTERY_LOG_VERBOSE;
+  return areKnown ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
+}
+
+// The handle of one slot's record. False when the record, or its cell swell data, was answered and is not there, which
+// nothing but a lack of memory does.
+bool AdoptRecord(norv_battery_collection& collection, unsigned char slot) {
+  const auto& block = collection.channel->Information().at(slot);
+  const auto& cellSwell = collection.channel->CellSwell().at(slot);
+  NorvBatteryInfo* const info = collection.batteries.Query(slot);
+  if (info == nullptr) {
+    return !block;
+  }
+  norv_battery_record& record = collection.records.at(slot).emplace();
+  record.info = info;
+  record.block = block.value();
+  record.cellSwell = cellSwell;
+  return cellSwell.has_value() == (info->GetCellSwellProtectionInfo() != nullptr);
+}
+
+// The collection keeps a failed allocation as its error and goes on. A C host gets its status and no half a collection.
+bool IsWhole(norv_battery_collection& collection) {
+  bool whole = !IsOutOfMemory(collection.batteries.GetError()) && !IsOutOfMemory(collection.test->GetError());
+  for (unsigned char slot = 0; slot < NORV_BATTERY_SLOT_COUNT; ++slot) {
+    whole = AdoptRecord(collection, slot) && whole;
+  }
+  return whole;
+}
+
+norv_battery_status Open(const norv_battery_options& options, norv_battery_collection** collection) {
+  auto channel = std::make_unique<HostChannel>(options.channel, options.channelContext);
+  auto test = std::make_unique<NorvBatteryTestInfo>();
+  HostLog log(options);
+  const ScopedLogListener listening(&log);
+  auto opened = std::make_unique<norv_battery_collection>(options, std::move(channel), std::move(test));
+  if (!IsWhole(*opened)) {
+    return NORV_BATTERY_OUT_OF_MEMORY;
+  }
+  *collection = opened.release();
+  return NORV_BATTERY_OK;
+}
+
+}  // namespace
+
+// Channel and test become the batteries', whose constructor throws nothing.
+norv_battery_collection::norv_battery_collection(const norv_battery_options& options,
+                                                 std::unique_ptr<Channel> hostChannel,
+                                                 std::unique_ptr<TestInfo> testInfo)
+    : log(options),
+      channel(hostChannel.get()),
+      test(testInfo.get()),
+      batteries(IsSet(options, NORV_BATTERY_READ_CELL_SWELL), IsSet(options, NORV_BATTERY_RUN_TEST),
+                static_cast<norv::shared::norvbios::PrivateBiosWmi*>(hostChannel.release()), testInfo.release()) {
+}
+
+norv_battery_status norv_battery_open(const norv_battery_options* options, norv_battery_collection** collection) {
+  return Guarded([=] {
+    if (collection == nullptr) {
+      return static_cast<norv_battery_status>(NORV_BATTERY_INVALID_ARGUMENT);
+    }
+    *collection = nullptr;
+    norv_battery_options standard{};
+    standard.size = sizeof standard;
+    const norv_battery_options& chosen = options != nullptr ? *options : standard;
+    const norv_battery_status status = CheckOptions(chosen);
+    return status == NORV_BATTERY_OK ? Open(chosen, collection) : status;
+  });
+}
+
+norv_battery_status norv_battery_close(norv_battery_collection* collection) {
+  delete collection;
+  return NORV_BATTERY_OK;
+}
+
+norv_battery_status norv_battery_get_record(norv_battery_collection* collection, uint32_t slot,
+                                            norv_battery_record** record) {
+  if (record == nullptr) {
+    return NORV_BATTERY_INVALID_ARGUMENT;
+  }
+  *record = nullptr;
+  if (collection == nullptr) {
+    return NORV_BATTERY_INVALID_ARGUMENT;
+  }
+  if (slot >= NORV_BATTERY_SLOT_COUNT) {
+    return NORV_BATTERY_INVALID_SLOT;
+  }
+  auto& found = collection->records[slot];
+  if (!found) {
+    return NORV_BATTERY_NO_BATTERY;
+  }
+  *record = &*found;
+  return NORV_BATTERY_OK;
+}
+
+norv_battery_status norv_battery_run_test(norv_battery_collection* collection) {
+  return Guarded([collection] {
+    if (collection == nullptr) {
+      return NORV_BATTERY_INVALID_ARGUMENT;
+    }
+    const ScopedLogListener listening(&collection->log);
+    collection->test->RunBatteryTest();
+    if (collection->batteries.RunBatteryTest()) {
+      return NORV_BATTERY_OK;
+    }
+    const bool isStarved =
+        IsOutOfMemory(collection->batteries.GetError()) || IsOutOfMemory(collection->test->GetError());
+    return isStarved ? NORV_BATTERY_OUT_OF_MEMORY : NORV_BATTERY_NO_VERDICT;
+  });
+}
+
+norv_battery_status norv_battery_collection_error(const norv_battery_collection* collection,
+                                                  norv_battery_error* error) {
+  return collection != nullptr ? WriteError(collection->batteries.GetError(), error) : NORV_BATTERY_INVALID_ARGUMENT;
+}
+
+norv_battery_status norv_battery_collection_error_text(const norv_battery_collection* collection, int32_t part,
+                                                       char* buffer, size_t bufferSize, size_t* needed) {
+  return Guarded([=] {
+    return collection != nullptr ? CopyErrorText(collection->batteries.GetError(), part, buffer, bufferSize, needed)
+                                 : NORV_BATTERY_INVALID_ARGUMENT;
+  });
+}
+
+norv_battery_status norv_battery_test_error(const norv_battery_collection* collection, norv_battery_error* error) {
+  return collection != nullptr ? WriteError(collection->test->GetError(), error) : NORV_BATTERY_INVALID_ARGUMENT;
+}
+
+norv_battery_status norv_battery_test_error_text(const norv_battery_collection* collection, int32_t part, char* buffer,
+                                                 size_t bufferSize, size_t* needed) {
+  return Guarded([=] {
+    return collection != nullptr ? CopyErrorText(collection->test->GetError(), part, buffer, bufferSize, needed)
+                                 : NORV_BATTERY_INVALID_ARGUMENT;
+  });
+}

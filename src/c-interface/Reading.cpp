@@ -1,0 +1,272 @@
+// Records, and what is read from them.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <memory>
+#include <new>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "c-interface/ErrorParts.h"
+#include "c-interface/Fields.h"
+#include "c-interface/Guard.h"
+#include "c-interface/Handles.h"
+#include "c-interface/Interface.h"
+#include "c-interface/Texts.h"
+#include "record/OperatingSystemRates.h"
+
+using norv::shared::battery::NorvBatteryInfo;
+using norv::shared::battery::access::kBlockSize;
+using norv::shared::battery::c_interface::Answer;
+using norv::shared::battery::c_interface::CheckStructure;
+using norv::shared::battery::c_interface::CopyErrorText;
+using norv::shared::battery::c_interface::CopyText;
+using norv::shared::battery::c_interface::FieldFailure;
+using norv::shared::battery::c_interface::FieldRow;
+using norv::shared::battery::c_interface::Fields;
+using norv::shared::battery::c_interface::FindField;
+using norv::shared::battery::c_interface::Guarded;
+using norv::shared::battery::c_interface::ReadTest;
+using norv::shared::battery::c_interface::WriteError;
+using norv::shared::battery::record::WithoutOperatingSystemRates;
+
+static_assert(NORV_BATTERY_BLOCK_SIZE == kBlockSize);
+
+namespace {
+
+// Independent of the process's locale, which printf is not.
+template <typename Value, typename... Format>
+std::string FormatNumber(Value value, Format... format) {
+  std::array<char, 400> digits{};  // a double has up to 309 before its point
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, format...).ptr;
+  return {digits.data(), end};
+}
+
+std::string FormatAnswer(const Answer& answer, norv_battery_kind kind) {
+  switch (kind) {
+    case NORV_BATTERY_NUMBER:
+      return FormatNumber(answer.number);
+    case NORV_BATTERY_REAL:
+      return FormatNumber(answer.real, std::chars_format::fixed, 3);
+    case NORV_BATTERY_FLAG:
+      return answer.number != 0 ? "true" : "false";
+    default:
+      return answer.text;
+  }
+}
+
+void WriteValue(const FieldRow& row, const Answer& answer, const std::string& text, norv_battery_value& value) {
+  value.field = row.field;
+  value.kind = row.kind;
+  value.state = answer.state;
+  value.number = answer.number;
+  value.real = answer.real;
+  value.textSize = text.size() + 1;
+}
+
+norv_battery_status WriteAnswer(const FieldRow& row, const Answer& answer, norv_battery_value& value, char* text,
+                                std::size_t textBufferSize) {
+  const std::string formatted = FormatAnswer(answer, row.kind);
+  WriteValue(row, answer, formatted, value);
+  return CopyText(formatted, text, textBufferSize, nullptr);
+}
+
+void WriteDescription(const FieldRow& row, norv_battery_description& description) {
+  description = {};
+  description.size = sizeof description;
+  description.field = row.field;
+  description.kind = row.kind;
+  description.source = row.source;
+  description.offset = static_cast<std::uint32_t>(row.place.offset);
+  description.width = static_cast<std::uint32_t>(row.place.width);
+  description.bit = row.bit;
+  std::string_view(row.name).copy(description.name, sizeof description.name - 1);
+  std::string_view(row.unit).copy(description.unit, sizeof description.unit - 1);
+}
+
+// What is wrong with the arguments of a read, and the row of its field when nothing is.
+norv_battery_status CheckRead(const void* handle, std::int32_t field, const FieldRow*& row) {
+  if (handle == nullptr) {
+    return NORV_BATTERY_INVALID_ARGUMENT;
+  }
+  row = FindField(field);
+  return row != nullptr ? NORV_BATTERY_OK : NORV_BATTERY_UNKNOWN_FIELD;
+}
+
+norv_battery_status CheckRead(const void* handle, std::int32_t field, const norv_battery_value* value,
+                              const FieldRow*& row) {
+  const norv_battery_status status = CheckRead(handle, field, row);
+  return status == NORV_BATTERY_OK ? CheckStructure(value) : status;
+}
+
+// The bytes that a field is read from; none where it is not one place of a block that is there.
+std::span<const std::uint8_t> Bytes(const norv_battery_record& record, const FieldRow& row) {
+  if (row.source == NORV_BATTERY_FROM_CELL_SWELL_BLOCK) {
+    return record.cellSwell ? std::span(*record.cellSwell).subspan(row.place.offset, row.place.width)
+                            : std::span<const std::uint8_t>();
+  }
+  return std::span(record.block).subspan(row.place.offset, row.place.width);
+}
+
+norv_battery_status CopyBytes(std::span<const std::uint8_t> bytes, std::uint8_t* buffer, std::size_t bufferSize,
+                              std::size_t* needed) {
+  if (buffer == nullptr && bufferSize != 0) {
+    return NORV_BATTERY_INVALID_ARGUMENT;
+  }
+  if (bytes.empty()) {
+    return NORV_BATTERY_NO_BYTES;
+  }
+  if (needed != nullptr) {
+    *needed = bytes.size();
+  }
+  if (buffer == nullptr) {
+    return NORV_BATTERY_OK;
+  }
+  if (bufferSize < bytes.size()) {
+    return NORV_BATTERY_BUFFER_TOO_SMALL;
+  }
+  std::copy(bytes.begin(), bytes.end(), buffer);
+  return NORV_BATTERY_OK;
+}
+
+norv_battery_status CheckBlocks(const std::uint8_t* block, std::size_t blockSize, const std::uint8_t* cellSwell,
+                                std::size_t cellSwellSize) {
+  if (block == nullptr || (cellSwell == nullptr && cellSwellSize != 0)) {
+    return NORV_BATTERY_INVALID_ARGUMENT;
+  }
+  const bool areWhole = blockSize == kBlockSize && (cellSwell == nullptr || cellSwellSize == kBlockSize);
+  return areWhole ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_SIZE;
+}
+
+std::unique_ptr<norv_battery_record> Decode(const std::uint8_t* block, const std::uint8_t* cellSwell) {
+  const WithoutOperatingSystemRates offline;
+  auto record = std::make_unique<norv_battery_record>();
+  record->owned = std::make_unique<NorvBatteryInfo>(block);
+  record->info = record->owned.get();
+  std::copy_n(block, kBlockSize, record->block.begin());
+  if (cellSwell != nullptr) {
+    std::copy_n(cellSwell, kBlockSize, record->cellSwell.emplace().begin());
+    record->info->SetCellSwellProtectionInfo(cellSwell);
+  }
+  return record;
+}
+
+norv_battery_status Visit(const norv_battery_record& record, const FieldRow& row, norv_battery_visitor visitor,
+                          void* context) {
+  const Answer answer = row.read(record);
+  const std::string text = FormatAnswer(answer, row.kind);
+  norv_battery_description description;
+  WriteDescription(row, description);
+  norv_battery_value value{};
+  value.size = sizeof value;
+  WriteValue(row, answer, text, value);
+  return visitor(context, &description, &value, text.c_str()) == 0 ? NORV_BATTERY_OK : NORV_BATTERY_STOPPED;
+}
+
+}  // namespace
+
+norv_battery_status norv_battery_decode(const uint8_t* block, size_t blockSize, const uint8_t* cellSwell,
+                                        size_t cellSwellSize, norv_battery_record** record) {
+  return Guarded([=] {
+    if (record == nullptr) {
+      return static_cast<norv_battery_status>(NORV_BATTERY_INVALID_ARGUMENT);
+    }
+    *record = nullptr;
+    const norv_battery_status status = CheckBlocks(block, blockSize, cellSwell, cellSwellSize);
+    if (status == NORV_BATTERY_OK) {
+      *record = Decode(block, cellSwell).release();
+    }
+    return status;
+  });
+}
+
+norv_battery_status norv_battery_release(norv_battery_record* record) {
+  if (record != nullptr && !record->IsDecoded()) {
+    return NORV_BATTERY_BORROWED;
+  }
+  delete record;
+  return NORV_BATTERY_OK;
+}
+
+int32_t norv_battery_field_count(void) {
+  return static_cast<std::int32_t>(Fields().size());
+}
+
+norv_battery_status norv_battery_describe_field(int32_t field, norv_battery_description* description) {
+  const FieldRow* const row = FindField(field);
+  if (row == nullptr) {
+    return NORV_BATTERY_UNKNOWN_FIELD;
+  }
+  const norv_battery_status status = CheckStructure(description);
+  if (status == NORV_BATTERY_OK) {
+    WriteDescription(*row, *description);
+  }
+  return status;
+}
+
+norv_battery_status norv_battery_read_field(const norv_battery_record* record, int32_t field, norv_battery_value* value,
+                                            char* text, size_t textBufferSize) {
+  return Guarded([=] {
+    const FieldRow* row = nullptr;
+    const norv_battery_status status = CheckRead(record, field, value, row);
+    return status == NORV_BATTERY_OK ? WriteAnswer(*row, row->read(*record), *value, text, textBufferSize) : status;
+  });
+}
+
+norv_battery_status norv_battery_read_test(const norv_battery_collection* collection, int32_t field,
+                                           norv_battery_value* value, char* text, size_t textBufferSize) {
+  return Guarded([=] {
+    const FieldRow* row = nullptr;
+    const norv_battery_status status = CheckRead(collection, field, value, row);
+    if (status != NORV_BATTERY_OK) {
+      return status;
+    }
+    if (row->source != NORV_BATTERY_FROM_BATTERY_TEST) {
+      return static_cast<norv_battery_status>(NORV_BATTERY_UNKNOWN_FIELD);
+    }
+    return WriteAnswer(*row, ReadTest(row->field, *collection->test), *value, text, textBufferSize);
+  });
+}
+
+norv_battery_status norv_battery_read_bytes(const norv_battery_record* record, int32_t field, uint8_t* buffer,
+                                            size_t bufferSize, size_t* needed) {
+  const FieldRow* row = nullptr;
+  const norv_battery_status status = CheckRead(record, field, row);
+  return status == NORV_BATTERY_OK ? CopyBytes(Bytes(*record, *row), buffer, bufferSize, needed) : status;
+}
+
+norv_battery_status norv_battery_field_error(const norv_battery_record* record, int32_t field,
+                                             norv_battery_error* error) {
+  return Guarded([=] {
+    const FieldRow* row = nullptr;
+    const norv_battery_status status = CheckRead(record, field, row);
+    return status == NORV_BATTERY_OK ? WriteError(FieldFailure(*record, row->field), error) : status;
+  });
+}
+
+norv_battery_status norv_battery_field_error_text(const norv_battery_record* record, int32_t field, int32_t part,
+                                                  char* buffer, size_t bufferSize, size_t* needed) {
+  return Guarded([=] {
+    const FieldRow* row = nullptr;
+    const norv_battery_status status = CheckRead(record, field, row);
+    return status == NORV_BATTERY_OK
+               ? CopyErrorText(FieldFailure(*record, row->field), part, buffer, bufferSize, needed)
+               : status;
+  });
+}
+
+norv_battery_status norv_battery_for_each_field(const norv_battery_record* record, norv_battery_visitor visitor,
+                                                void* context) {
+  return Guarded([=] {
+    norv_battery_status status =
+        record != nullptr && visitor != nullptr ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
+    for (const FieldRow& row : Fields()) {
+      if (status != NORV_BATTERY_OK) {
+        break;
+      }
+      status = Visit(*record, row, visitor, context);
+    }
+    return status;
+  });
+}
