@@ -150,7 +150,7 @@ Answer OverCurrentProtection(const Record& record) {
 // Age and validity write the record's error, and validity reads it. A copy shares the record's texts and has an error
 // of its own; the record itself is never asked, so that its error stays empty.
 struct Asked {
-  std::int64_t answer;
+  std::int64_t answer = 0;
   error::Error failure;
 };
 

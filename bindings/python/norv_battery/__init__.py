@@ -1,0 +1,50 @@
+"""Battery information for one maker's notebook computers.
+
+    import norv_battery
+
+    with norv_battery.open() as batteries:
+        for battery in batteries:
+            print(battery.slot, battery.serial_number, battery.full_charge_capacity)
+
+The package is pure Python and calls the shared library norv-battery-info. It looks for the library where the environment
+variable NORV_BATTERY_LIBRARY says, then beside this package, then where the system keeps its libraries.
+
+One thread at a time uses a Batteries object and its Battery objects; different ones may be used in parallel.
+"""
+
+from ._batteries import Answer, Batteries, open  # pylint: disable=redefined-builtin
+from ._battery import Battery, decode
+from ._errors import (
+    BatteryError,
+    Error,
+    Category,
+    NoBatteryError,
+    NoVerdictError,
+    Status,
+)
+from ._fields import Description, Field, Kind, LogLevel, Reading, Source, State, describe, fields
+from ._library import interface_version
+
+__all__ = [
+    "Answer",
+    "Batteries",
+    "Battery",
+    "BatteryError",
+    "Category",
+    "Description",
+    "Error",
+    "Field",
+    "Kind",
+    "LogLevel",
+    "NoBatteryError",
+    "NoVerdictError",
+    "Reading",
+    "Source",
+    "State",
+    "Status",
+    "decode",
+    "describe",
+    "fields",
+    "interface_version",
+    "open",
+]
