@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 
 namespace norv::shared::battery::record {
@@ -26,16 +27,16 @@ constexpr bool AreLettersOrDigits(std::string_view text) {
 // True when `text` has the shape of `layout`: of the same length, with an ASCII digit where the layout has a '0', an
 // ASCII letter or digit where it has an 'x', and the layout's own character everywhere else.
 constexpr bool HasLayout(std::string_view text, std::string_view layout) {
-  return std::equal(text.begin(), text.end(), layout.begin(), layout.end(), [](char character, char wanted) {
-    switch (wanted) {
-      case '0':
-        return IsDigit(character);
-      case 'x':
-        return IsLetterOrDigit(character);
-      default:
-        return character == wanted;
-    }
-  });
+  if (text.size() != layout.size()) {
+    return false;
+  }
+  bool fits = true;
+  for (std::size_t position = 0; position < text.size(); ++position) {
+    const char character = text[position];
+    const char wanted = layout[position];
+    fits &= wanted == 'x' ? IsLetterOrDigit(character) : (wanted == '0' ? IsDigit(character) : character == wanted);
+  }
+  return fits;
 }
 
 }  // namespace norv::shared::battery::record

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <new>
+#include <string>
 
 #include "norv/shared/wmi/WMIClient.h"
 
@@ -16,8 +17,11 @@ thread_local bool isLeftOut = false;
 Rates Query() {
   constexpr int kEnoughReads = 2;
   Rates rates;
-  wmi::WMIClient client(L"\\\\.\\root\\wmi");
-  if (client.Query(L"SELECT * FROM BatteryStatus") != 0) {
+  // Kept, because every record asks the same: made anew each time they would take most of a record's memory requests.
+  static const std::wstring namespacePath = L"\\\\.\\root\\wmi";
+  static const std::wstring query = L"SELECT * FROM BatteryStatus";
+  wmi::WMIClient client(namespacePath);
+  if (client.Query(query) != 0) {
     return rates;
   }
   int reads = 0;

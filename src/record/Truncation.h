@@ -1,7 +1,6 @@
 // Conversion of real numbers to int as the processor does it.
 #pragma once
 
-#include <cmath>
 #include <limits>
 
 namespace norv::shared::battery::record {
@@ -9,10 +8,9 @@ namespace norv::shared::battery::record {
 // Cuts the decimals off. What does not fit an int, or is no number, gives the processor's "integer indefinite" value,
 // the most negative int; the language leaves that case undefined.
 inline int TruncateToInt(double value) {
-  constexpr double kLowest = std::numeric_limits<int>::min();
-  constexpr double kHighest = std::numeric_limits<int>::max();
-  const double whole = std::trunc(value);
-  return whole >= kLowest && whole <= kHighest ? static_cast<int>(whole) : std::numeric_limits<int>::min();
+  constexpr double kBelowLowest = -2147483649.0;
+  constexpr double kAboveHighest = 2147483648.0;
+  return value > kBelowLowest && value < kAboveHighest ? static_cast<int>(value) : std::numeric_limits<int>::min();
 }
 
 }  // namespace norv::shared::battery::record
