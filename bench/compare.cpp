@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <atomic>
 #include <charconv>
+#include <cinttypes>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -56,8 +57,8 @@ int Run(std::uint64_t count) {
       threads.emplace_back(CompareGenerated, kFirstSeed + number, share, platform.Now());
     }
   }
-  std::printf("%zu blocks of sample machines and %llu generated ones compared, %d different\n", samples.size(),
-              static_cast<unsigned long long>(count), differences.load());
+  std::printf("%zu blocks of sample machines and %" PRIu64 " generated ones compared, %d different\n", samples.size(),
+              count, differences.load());
   return differences == 0 ? 0 : 1;
 }
 

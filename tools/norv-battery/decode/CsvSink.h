@@ -55,6 +55,9 @@ class CsvSink {
   }
 
  private:
+  void Plain(std::string_view text);
+  void Special(std::string_view text);
+
   OutputBuffer& output_;
 };
 

@@ -1,0 +1,134 @@
+// The writer of decoded rows, against the reader of the JSON library that everything else is written with.
+#include "decode/JsonSink.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <random>
+#include <string>
+
+#include "EscapeText.h"
+#include "decode/Utf8.h"
+
+namespace norv::tool {
+namespace {
+
+using Json = nlohmann::json;
+
+template <typename Write>
+Json Written(Write write) {
+  OutputBuffer output;
+  JsonSink sink(output);
+  sink.BeginRow();
+  write(sink);
+  sink.EndRow();
+  const std::string text(output.View());
+  EXPECT_TRUE(text.ends_with("}\n")) << text;
+  EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+  return Json::parse(text);
+}
+
+TEST(JsonSink, NestsObjects) {
+  const Json row = Written([](JsonSink& sink) {
+    sink.Open("outer");
+    sink.Number("number", -1);
+    sink.Open("inner");
+    sink.Boolean("yes", true);
+    sink.Boolean("no", false);
+    sink.Close();
+    sink.Numbers("numbers", std::array{1, 2, 3});
+    sink.Close();
+    sink.Null("nothing");
+  });
+  EXPECT_EQ(row, Json::parse(R"({"outer": {"number": -1, "inner": {"yes": true, "no": false}, "numbers": [1, 2, 3]},
+                                 "nothing": null})"));
+}
+
+TEST(JsonSink, Numbers) {
+  const Json row = Written([](JsonSink& sink) {
+    sink.Number("least", std::numeric_limits<std::int64_t>::min());
+    sink.Number("most", std::numeric_limits<std::uint64_t>::max());
+    sink.Number("none", std::optional<int>());
+    sink.Number("some", std::optional(7));
+  });
+  EXPECT_EQ(row["least"], std::numeric_limits<std::int64_t>::min());
+  EXPECT_EQ(row["most"], std::numeric_limits<std::uint64_t>::max());
+  EXPECT_TRUE(row["none"].is_null());
+  EXPECT_EQ(row["some"], 7);
+}
+
+TEST(JsonSink, PercentagesHaveUpToThreeDecimals) {
+  const auto written = [](float percentage) {
+    OutputBuffer output;
+    JsonSink(output).Percentage("p", percentage);
+    return std::string(output.View());
+  };
+  EXPECT_EQ(written(0.0F), R"("p":0.0,)");
+  EXPECT_EQ(written(100.0F), R"("p":100.0,)");
+  EXPECT_EQ(written(99.966F), R"("p":99.966,)");
+  EXPECT_EQ(written(0.033F), R"("p":0.033,)");
+  EXPECT_EQ(written(12.5F), R"("p":12.5,)");
+  EXPECT_EQ(written(0.25F), R"("p":0.25,)");
+  EXPECT_EQ(written(-2147483.75F), R"("p":-2147483.75,)");
+  EXPECT_EQ(written(2147483.5F), R"("p":2147483.5,)");
+}
+
+TEST(JsonSink, EveryByteOfATextAtEveryPlace) {
+  for (int number = 1; number < 256; ++number) {
+    for (std::size_t place = 0; place < 17; ++place) {
+      std::string text(17, 'a');
+      text[place] = static_cast<char>(number);
+      const Json row = Written([&text](JsonSink& sink) { sink.Bytes("text", text); });
+      ASSERT_EQ(row["text"], BytesToUtf8(text)) << number << ' ' << place;
+    }
+  }
+}
+
+TEST(JsonSink, RandomTexts) {
+  std::mt19937 random(1);
+  for (int run = 0; run < 20000; ++run) {
+    std::string bytes(random() % 40, '\0');
+    for (char& byte : bytes) {
+      byte = static_cast<char>(random() % (run % 2 == 0 ? 256 : 128));
+    }
+    const std::string text = ToUtf8(bytes);
+    const Json row = Written([&](JsonSink& sink) {
+      sink.Bytes("bytes", bytes);
+      sink.Utf8("text", std::string_view(text));
+    });
+    ASSERT_EQ(row["bytes"], BytesToUtf8(bytes));
+    ASSERT_EQ(row["text"], text);
+  }
+}
+
+TEST(JsonSink, Failures) {
+  const shared::error::Error error(shared::error::ErrorCategory::Value, -1, "a \"message\"", "int", "f\xFF");
+  const Json row = Written([&error](JsonSink& sink) {
+    sink.Failure("error", &error);
+    sink.Failure("none", nullptr);
+  });
+  EXPECT_EQ(
+      row["error"],
+      Json({{"category", 5}, {"code", -1}, {"message", "a \"message\""}, {"type", "int"}, {"function", "f\u00FF"}}));
+  EXPECT_TRUE(row["none"].is_null());
+}
+
+TEST(Utf8, WellFormedOnly) {
+  for (const char* text : {"", "a", "\u00E9", "\u20AC", "\uFFFD", "\U0001F50B", "\U0010FFFF", "a\u00E9\u20ACz"}) {
+    EXPECT_TRUE(IsUtf8(text)) << text;
+    EXPECT_EQ(ToUtf8(text), text);
+  }
+  for (const char* text : {"\x80", "\xC3", "\xC3(", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80", "\xE2\x82",
+                           "\xF0\x9F\x94", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"}) {
+    EXPECT_FALSE(IsUtf8(text));
+    EXPECT_TRUE(IsUtf8(ToUtf8(text)));
+  }
+  EXPECT_EQ(ToUtf8("\xE9t\xE9"), "\u00E9t\u00E9");
+}
+
+}  // namespace
+}  // namespace norv::tool

@@ -1,0 +1,515 @@
+#!/usr/bin/env python3
+"""Decoding and encoding as users meet them.
+
+  decode_test.py --tool PROGRAM            runs the tests
+  decode_test.py --tool PROGRAM --update   writes the golden rows anew; read what changed before it is kept
+"""
+
+import argparse
+import csv
+import io
+import json
+import os
+import pathlib
+import pty
+import random
+import re
+import resource
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+ROOT = HERE.parents[1]
+GOLDEN = HERE / "decode"
+MACHINES = ROOT / "simulator" / "machines"
+DATE = "2024-06-01"
+FORMATS = {"jsonl": ".jsonl", "csv": ".csv", "text": ".txt"}
+TOOL = ""
+
+
+def good_hex():
+    """A block of a battery in order, in hex digits."""
+    return run("encode", "--machine", "two-batteries", "--slot", "0").stdout.decode().strip()
+
+
+def run(*arguments, **more):
+    more = {"capture_output": True, "env": dict(os.environ, TZ="UTC"), "check": False, "timeout": 120, **more}
+    return subprocess.run([TOOL, *arguments], **more)
+
+
+def decode(data, *arguments, **more):
+    return run("decode", "--date", DATE, *arguments, input=data, **more)
+
+
+def rows_of(done):
+    return [json.loads(line) for line in done.stdout.splitlines()]
+
+
+def sample_names():
+    return sorted(path.stem for path in MACHINES.glob("*.json"))
+
+
+def random_blocks(count, seed=1):
+    """Blocks of every kind: likely ones, spoilt ones and noise."""
+    source = random.Random(seed)
+    for number in range(count):
+        if number % 4 == 0:
+            yield source.randbytes(128)
+            continue
+        block = bytearray(128)
+        struct.pack_into("<14H", block, 0, *(source.randrange(65536) for _ in range(14)))
+        block[0x1C:0x2C] = b"%05d 20%02d-%02d-%02d" % (source.randrange(99999), source.randrange(30),
+                                                       source.randrange(1, 15), source.randrange(1, 33))
+        text = source.choice([b"123-45-67-A", b"313-7A-A", b"21-63-12-A", b"ABCDE-A", b"SIMPLO", b"12\"3,\\\t\xe9", b""])
+        block[0x2C:0x2C + len(text)] = text
+        block[0x3E:0x4C] = b"6" + bytes(source.choice(b"ABCDEF0123456789 -") for _ in range(13))
+        block[0x4F:0x55] = b"NV%04d" % source.randrange(9999)
+        struct.pack_into("<H", block, 0x5C, source.randrange(65536))
+        yield bytes(block)
+
+
+def golden_inputs():
+    """Name and contents of the inputs whose rows are kept."""
+    samples = []
+    for name in sample_names():
+        done = run("encode", "--machine", name)
+        samples += [f"{name}, {line}" for line in done.stdout.decode().splitlines()]
+    good = good_hex()
+    spaced = " ".join(good[place:place + 2] for place in range(0, 256, 2))
+    bad = [good, "", "spaced," + spaced.upper(), "B\u00fcro 12,\t" + good, good[:-1], good + "0", "x" + good[1:],
+           "no digits,", "comma," + good + ",", "   ", "\u001b[31m," + good[:10], good[:100] + "g" + good[101:]]
+    odd = bytearray(bytes.fromhex(good))
+    odd[0x1C:0x2C] = b' "quoted", \\\x01\xe9 '[:16].ljust(16, b"\0")
+    odd[0x2C:0x3E] = bytes(18)
+    blocks = bytes.fromhex(good) + bytes(128) + bytes([255]) * 128 + bytes(odd) + bytes.fromhex(good)[:100]
+    return {"samples": "\n".join(samples).encode() + b"\n", "bad-lines": "\r\n".join(bad).encode(), "blocks": blocks}
+
+
+def golden_rows(contents, output_format):
+    return decode(contents, "--format", output_format)
+
+
+class GoldenTest(unittest.TestCase):
+    def test_rows(self):
+        for name, contents in golden_inputs().items():
+            for output_format, suffix in FORMATS.items():
+                with self.subTest(name=name, format=output_format):
+                    expected = (GOLDEN / (name + suffix)).read_bytes()
+                    self.assertEqual(golden_rows(contents, output_format).stdout.decode(), expected.decode())
+
+    def test_nothing_left_over(self):
+        wanted = {name + suffix for name in golden_inputs() for suffix in FORMATS.values()}
+        self.assertEqual({path.name for path in GOLDEN.iterdir()}, wanted)
+
+
+class RowTest(unittest.TestCase):
+    GROUPS = ("validity", "identity", "cells", "status", "attributes")
+
+    def test_rows_say_what_reports_say(self):
+        compared = 0
+        for name in sample_names():
+            report = json.loads(run("report", "--machine", name, "--format", "json").stdout)
+            blocks = run("encode", "--machine", name)
+            rows = rows_of(decode(blocks.stdout)) if blocks.returncode == 0 else []
+            batteries = [battery for battery in report["batteries"] if battery is not None]
+            self.assertEqual(len(rows), len(batteries), name)
+            for row, battery in zip(rows, batteries):
+                for group in self.GROUPS:
+                    self.assertEqual(row[group], battery[group], name)
+                del battery["capacity"]["chargeRate"], battery["capacity"]["dischargeRate"]
+                self.assertEqual(row["capacity"], battery["capacity"], name)
+                for key in ("manufacturingDate", "warrantyType", "warrantyDate"):
+                    self.assertEqual(row["dates"][key], battery["dates"][key], name)
+                self.assertEqual(row["dates"]["age"]["error"], battery["dates"]["age"]["error"], name)
+                compared += 1
+        self.assertGreater(compared, 15)
+
+    def test_keys_are_documented(self):
+        def paths(value, path=""):
+            for key, member in value.items() if isinstance(value, dict) else ():
+                yield path + key
+                yield from paths(member, path + key + ".")
+        used = set()
+        for contents in golden_inputs().values():
+            for row in rows_of(decode(contents)):
+                used |= set(paths(row))
+        used = {path for path in used if ".error." not in path}
+        own = set(re.findall(r"^\| `([A-Za-z.]+)` \|", (ROOT / "docs" / "decoding.md").read_text(encoding="utf-8"), re.M))
+        shared = set(re.findall(r"^\| `batteries\[\]\.([A-Za-z0-9.]+)` \|",
+                                (ROOT / "docs" / "tool.md").read_text(encoding="utf-8"), re.M))
+        self.assertEqual(used - shared, own)
+
+    def test_source_index_and_id(self):
+        good = good_hex()
+        with tempfile.TemporaryDirectory() as folder:
+            first = pathlib.Path(folder, "f\u00fcrst.hex")
+            first.write_text(f"{good}\n\n a b ,{good}\n", encoding="utf-8")
+            second = pathlib.Path(folder, "second.bin")
+            second.write_bytes(bytes.fromhex(good) * 2)
+            rows = rows_of(run("decode", str(first), str(second)))
+        self.assertEqual([(row["source"], row["index"], row["id"], row["rowError"]) for row in rows],
+                         [(str(first), 0, None, None), (str(first), 1, "a b", None),
+                          (str(second), 0, None, None), (str(second), 1, None, None)])
+
+    def test_source_that_is_no_utf8(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder.encode(), b"\xe9.bin")
+            with open(path, "wb") as file:
+                file.write(bytes(128))
+            row = rows_of(run("decode", path))[0]
+        self.assertTrue(row["source"].endswith("\u00e9.bin"))
+
+    def test_csv_has_the_same_values(self):
+        contents = b"".join(random_blocks(500))
+        rows = rows_of(decode(contents))
+        table = list(csv.reader(io.StringIO(decode(contents, "--format", "csv").stdout.decode(), newline="")))
+        head, lines = table[0], table[1:]
+        self.assertEqual(len(lines), len(rows))
+        for row, line in zip(rows, lines):
+            self.assertEqual(len(line), len(head))
+            for name, field in zip(head, line):
+                value = row
+                for key in re.findall(r"[A-Za-z]\w*|\d+", name):
+                    value = value[int(key)] if key.isdigit() else value[key]
+                if isinstance(value, dict):
+                    value = value["message"]
+                expected = "" if value is None else value if isinstance(value, str) else json.dumps(value)
+                self.assertEqual(field, expected, name)
+
+    def test_age_counts_to_the_date_or_to_now(self):
+        good = good_hex().encode()
+        row = rows_of(run("decode", "--date", "2022-09-15", input=good))[0]
+        self.assertEqual(row["dates"]["age"], {"days": 1, "value": 1, "error": None})
+        days = (time.time() - 1663113600) / 86400  # 14 September 2022
+        self.assertAlmostEqual(rows_of(run("decode", input=good))[0]["dates"]["age"]["days"], days, delta=1.01)
+
+
+class BadInputTest(unittest.TestCase):
+    def only_row(self, done):
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertEqual(done.stderr, b"0 good rows, 1 bad row\n")
+        rows = rows_of(done)
+        self.assertEqual(len(rows), 1)
+        self.assertEqual(set(rows[0]), {"source", "index", "id", "rowError"})
+        return rows[0]
+
+    def test_empty(self):
+        self.assertIn("is empty", self.only_row(decode(b""))["rowError"])
+
+    def test_one_byte(self):
+        self.assertEqual(self.only_row(decode(b"\x07"))["rowError"], "short block of 1 bytes at offset 0: expected 128")
+        self.assertEqual(self.only_row(decode(b"7"))["rowError"],
+                         "line 1: 1 hexadecimal digits, expected 256 for a block of 128 bytes")
+
+    def test_truncated(self):
+        done = decode(bytes.fromhex(good_hex()) * 300 + bytes(17))
+        self.assertEqual((done.returncode, done.stderr), (1, b"300 good rows, 1 bad row\n"))
+        last = rows_of(done)[-1]
+        self.assertEqual((last["index"], last["rowError"]),
+                         (300, "short block of 17 bytes at offset 38400: expected 128"))
+
+    def test_zeros(self):
+        done = decode(bytes(128 * 3))
+        self.assertEqual((done.returncode, done.stderr), (0, b"3 good rows, 0 bad rows\n"))
+        for row in rows_of(done):
+            self.assertEqual(row["validity"]["error"]["message"], "Invalid battery manufacturer")
+            self.assertEqual(row["identity"]["manufacturer"], "")
+
+    def test_folder_and_missing_and_unreadable(self):
+        good = good_hex()
+        with tempfile.TemporaryDirectory() as folder:
+            dump = pathlib.Path(folder, "dump.hex")
+            dump.write_text(good, encoding="ascii")
+            done = run("decode", folder, folder + "/missing", str(dump))
+            self.assertEqual((done.returncode, done.stderr), (1, b"1 good row, 2 bad rows\n"))
+            rows = rows_of(done)
+            self.assertEqual([row["source"] for row in rows], [folder, folder + "/missing", str(dump)])
+            self.assertEqual(rows[0]["rowError"], "cannot be read: Is a directory")
+            self.assertEqual(rows[1]["rowError"], "cannot be opened: No such file or directory")
+            self.assertIsNone(rows[2]["rowError"])
+            dump.chmod(0)
+            if not os.access(dump, os.R_OK):
+                self.assertEqual(self.only_row(run("decode", str(dump)))["rowError"],
+                                 "cannot be opened: Permission denied")
+
+    def test_unreadable_for_everyone(self):
+        # Not even root reads from a process's own memory at 0.
+        self.assertIn("cannot be read: ", self.only_row(run("decode", "/proc/self/mem"))["rowError"])
+
+    def test_line_of_100_megabytes(self):
+        good = good_hex().encode()
+        done = decode(good + b"\n" + b"a" * 100_000_000 + b"\n" + good + b"\n")
+        self.assertEqual((done.returncode, done.stderr), (1, b"2 good rows, 1 bad row\n"))
+        rows = rows_of(done)
+        self.assertEqual([row["index"] for row in rows], [0, 1, 2])
+        self.assertEqual(rows[1]["rowError"],
+                         "line 2 is longer than 32768 characters: expected 256 hexadecimal digits")
+
+    def test_noise(self):
+        source = random.Random(7)
+        for _ in range(200):
+            contents = source.randbytes(source.randrange(600))
+            for kind in ("bin", "hex"):
+                done = decode(contents, "--input", kind)
+                self.assertIn(done.returncode, (0, 1))
+                rows_of(done)
+
+    def test_arguments(self):
+        for arguments, part in ((["--input", "xml"], "bin|hex"), (["--format", "xml"], "jsonl|csv|text"),
+                                (["--jobs", "0"], "--jobs"), (["--jobs", "many"], "--jobs"),
+                                (["--date", "2023-02-29"], "YYYY-MM-DD"), (["--date", "now"], "'now'")):
+            done = run("decode", *arguments, input=b"")
+            self.assertEqual((done.returncode, done.stdout), (2, b""))
+            self.assertIn(part, done.stderr.decode())
+
+
+class OutputTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.target = pathlib.Path(self.folder.name, "rows.jsonl")
+
+    def names(self):
+        return sorted(os.listdir(self.folder.name))
+
+    def test_file_holds_what_standard_output_would(self):
+        contents = b"".join(random_blocks(2000))
+        done = decode(contents, "--output", str(self.target))
+        self.assertEqual((done.returncode, done.stdout), (0, b""))
+        self.assertEqual(self.target.read_bytes(), decode(contents).stdout)
+        self.assertEqual(self.names(), ["rows.jsonl"])
+
+    def test_file_is_there_with_bad_rows_too(self):
+        self.assertEqual(decode(b"7", "--output", str(self.target)).returncode, 1)
+        self.assertEqual(self.names(), ["rows.jsonl"])
+
+    def test_broken_run_leaves_the_former_file(self):
+        self.target.write_text("before", encoding="ascii")
+        with subprocess.Popen([TOOL, "decode", "--output", str(self.target)], stdin=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            process.stdin.write(bytes(128 * 1024))
+            process.stdin.flush()
+            for _ in range(200):
+                if len(self.names()) == 2:
+                    break
+                time.sleep(0.01)
+            self.assertEqual(len(self.names()), 2)
+            process.send_signal(signal.SIGKILL)
+            process.wait()
+        self.assertEqual(self.target.read_text(encoding="ascii"), "before")
+
+    def test_full_disk_leaves_no_file(self):
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100_000, 100_000))
+        done = decode(b"".join(random_blocks(2000)), "--output", str(self.target), preexec_fn=limit)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"rows.jsonl' cannot be written to: File too large", done.stderr)
+        self.assertEqual(self.names(), [])
+
+    def test_target_that_is_no_file(self):
+        for target, reason in ((self.folder.name, b"directory"), ("/dev/null", b"no regular file"),
+                               (self.folder.name + "/missing/rows", b"No such file")):
+            done = decode(bytes(128), "--output", target)
+            self.assertEqual(done.returncode, 2)
+            self.assertIn(reason, done.stderr)
+
+    def test_link_stays_one(self):
+        self.target.write_text("before", encoding="ascii")
+        link = pathlib.Path(self.folder.name, "link")
+        link.symlink_to(self.target)
+        self.assertEqual(decode(bytes(128), "--output", str(link)).returncode, 0)
+        self.assertTrue(link.is_symlink())
+        self.assertIsNone(json.loads(self.target.read_text(encoding="utf-8"))["rowError"])
+
+    def test_order_does_not_depend_on_jobs(self):
+        contents = b"".join(random_blocks(5000))
+        expected = decode(contents, "--jobs", "1").stdout
+        self.assertEqual([row["index"] for row in map(json.loads, expected.splitlines())], list(range(5000)))
+        for jobs in ("2", "3", "16"):
+            for output_format in ("jsonl", "text"):
+                self.assertEqual(decode(contents, "--jobs", jobs, "--format", output_format).stdout,
+                                 decode(contents, "--jobs", "1", "--format", output_format).stdout)
+
+    def test_closed_pipe_ends_quietly(self):
+        for jobs in ("1", "4"):
+            reading, writing = os.pipe()
+            os.close(reading)
+            try:
+                done = decode(bytes(128 * 5000), "--jobs", jobs, capture_output=False, stdout=writing,
+                              stderr=subprocess.PIPE)
+            finally:
+                os.close(writing)
+            self.assertEqual((done.returncode, done.stderr), (2, b""))
+
+    def test_full_device(self):
+        with open("/dev/full", "wb") as full:
+            done = decode(bytes(128), capture_output=False, stdout=full, stderr=subprocess.PIPE)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"No space left on device", done.stderr)
+
+    def test_memory_stays_flat(self):
+        def peak(mebibytes):
+            with subprocess.Popen(["/bin/sh", "-c", f"head -c {mebibytes}M /dev/zero"], stdout=subprocess.PIPE) as zeros:
+                with subprocess.Popen([TOOL, "decode", "--format", "csv", "--jobs", "2"], stdin=zeros.stdout,
+                                      stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+                    _, status, usage = os.wait4(process.pid, 0)
+                    process.returncode = os.waitstatus_to_exitcode(status)
+            self.assertEqual(process.returncode, 0)
+            return usage.ru_maxrss
+        small = peak(2)
+        self.assertLess(peak(32), small * 1.5 + 2000)
+
+    def test_progress_on_a_terminal_only(self):
+        for use_terminal in (True, False):
+            controller, terminal = pty.openpty()
+            reading, writing = os.pipe()
+            with subprocess.Popen([TOOL, "decode"], stdin=reading, stdout=subprocess.DEVNULL,
+                                  stderr=terminal if use_terminal else subprocess.PIPE) as process:
+                os.close(reading)
+                os.close(terminal)
+                for _ in range(4):
+                    os.write(writing, bytes(32768))
+                    time.sleep(0.4)
+                os.close(writing)
+                shown = b"" if use_terminal else process.stderr.read()
+                process.wait()
+            try:
+                while use_terminal and (part := os.read(controller, 65536)):
+                    shown += part
+            except OSError:
+                pass  # the end of what a terminal holds whose other side is closed
+            os.close(controller)
+            self.assertEqual(b"Decoding: 0 MiB" in shown, use_terminal, shown)
+            self.assertTrue(shown.replace(b"\r\n", b"\n").endswith(b"1024 good rows, 0 bad rows\n"), shown)
+
+
+class EncodeTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    @staticmethod
+    def values(rows):
+        return [{key: value for key, value in row.items() if key != "source"} for row in rows]
+
+    def assert_refused(self, done, *parts):
+        self.assertEqual((done.returncode, done.stdout), (2, b""))
+        for part in parts:
+            self.assertIn(part, done.stderr.decode())
+
+    def good_row(self):
+        return rows_of(decode(good_hex().encode()))[0]
+
+    def test_samples_from_machine_and_report(self):
+        for name in sample_names():
+            report = json.loads(run("report", "--machine", name, "--format", "json").stdout)
+            machine = run("encode", "--machine", name)
+            if report["batteries"] == [None, None]:
+                self.assert_refused(machine, name, "has no battery")
+                continue
+            encoded = run("encode", input=json.dumps(report).encode())
+            self.assertEqual(encoded.returncode, 0, encoded.stderr)
+            self.assertEqual(self.values(rows_of(decode(encoded.stdout))), self.values(rows_of(decode(machine.stdout))))
+
+    def test_random_records(self):
+        contents = b"".join(random_blocks(4000, seed=3))
+        rows = decode(contents)
+        for output_format in ("bin", "hex"):
+            encoded = run("encode", "--format", output_format, input=rows.stdout)
+            self.assertEqual((encoded.returncode, encoded.stderr), (0, b""))
+            again = decode(encoded.stdout)
+            self.assertEqual(self.values(rows_of(again)), self.values(rows_of(rows)))
+
+    def test_blocks_are_those_that_were_decoded(self):
+        block = bytearray(bytes.fromhex(good_hex()))
+        encoded = run("encode", "--format", "bin", input=decode(bytes(block)).stdout)
+        self.assertEqual(encoded.stdout, bytes(block))
+
+    def test_identifiers_are_kept(self):
+        line = f"B\u00fcro 12,{good_hex()}\n".encode()
+        self.assertEqual(run("encode", input=decode(line).stdout).stdout, line)
+
+    def test_slots(self):
+        both = run("encode", "--machine", "two-batteries").stdout.splitlines()
+        report = run("report", "--machine", "two-batteries", "--format", "json").stdout
+        self.assertEqual(len(both), 2)
+        for slot in (0, 1):
+            self.assertEqual(run("encode", "--machine", "two-batteries", "--slot", str(slot)).stdout.splitlines(),
+                             [both[slot]])
+            self.assertEqual(run("encode", "--slot", str(slot), input=report).stdout.splitlines(), [both[slot]])
+        self.assert_refused(run("encode", "--machine", "one-battery", "--slot", "1"), "slot 1")
+        self.assert_refused(run("encode", "--slot", "2", input=report), "--slot")
+
+    def test_values_no_block_can_hold(self):
+        changes = (("capacity", "voltage", 65536), ("capacity", "voltage", -1), ("capacity", "voltage", 1.5),
+                   ("capacity", "voltage", "1"), ("cells", "voltages", [1, 2, 3]), ("cells", "voltages", [1, 2, 3, None]),
+                   ("identity", "serialNumber", "x" * 17), ("identity", "manufacturer", "\u20ac"),
+                   ("identity", "manufacturer", "a\u0000b"), ("identity", "deviceName", 7),
+                   ("dates", "manufacturingDate", "2021-05-06"), ("dates", "manufacturingDate", "1979-05-06T00:00:00+00:00"),
+                   ("dates", "manufacturingDate", "2108-05-06T00:00:00+00:00"), ("status", "word", None))
+        for group, key, value in changes:
+            row = self.good_row()
+            row[group][key] = value
+            done = run("encode", input=json.dumps(self.good_row()).encode() + b"\n" + json.dumps(row).encode())
+            self.assert_refused(done, "standard input", "JSON value 2", f"{group}.{key}", "expected")
+        row = self.good_row()
+        del row["capacity"]["temperature"]
+        self.assert_refused(run("encode", input=json.dumps(row).encode()), "capacity.temperature")
+        del row["capacity"]
+        self.assert_refused(run("encode", input=json.dumps(row).encode()), "capacity")
+
+    def test_inputs_that_are_nothing_to_encode(self):
+        machine = (MACHINES / "one-battery.json").read_bytes()
+        for contents, part in ((b"{", "parse error"), (b"[]", "expected"), (b"7", "expected"), (b"{}", "expected"),
+                               (machine, "--machine"), (decode(b"7").stdout, "rowError"),
+                               (b'{"batteries": 1}', "batteries"), (b'{"batteries": [null]}', "no battery"),
+                               (b'{"batteries": [7]}', "batteries[0].capacity")):
+            self.assert_refused(run("encode", input=contents), "JSON value 1", part)
+        self.assert_refused(run("encode", self.folder.name), self.folder.name, "Is a directory")
+        self.assert_refused(run("encode", self.folder.name + "/missing"), "missing", "No such file")
+        self.assert_refused(run("encode", "--machine", "no-such-sample"), "no-such-sample")
+        self.assert_refused(run("encode", "x", "--machine", "one-battery"), "--machine")
+
+    def test_refused_input_leaves_no_file(self):
+        target = pathlib.Path(self.folder.name, "blocks.bin")
+        contents = decode(good_hex().encode()).stdout * 2000 + b"{}"
+        self.assert_refused(run("encode", "--format", "bin", "--output", str(target), input=contents), "JSON value 2001")
+        self.assertEqual(os.listdir(self.folder.name), [])
+
+    def test_output_file(self):
+        target = pathlib.Path(self.folder.name, "blocks.bin")
+        done = run("encode", "--machine", "two-batteries", "--format", "bin", "--output", str(target))
+        self.assertEqual((done.returncode, done.stdout), (0, b""))
+        self.assertEqual(len(target.read_bytes()), 256)
+
+
+def update():
+    GOLDEN.mkdir(exist_ok=True)
+    for path in GOLDEN.iterdir():
+        path.unlink()
+    for name, contents in golden_inputs().items():
+        for output_format, suffix in FORMATS.items():
+            (GOLDEN / (name + suffix)).write_bytes(golden_rows(contents, output_format).stdout)
+
+
+def main():
+    global TOOL
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--tool", required=True)
+    parser.add_argument("--update", action="store_true")
+    arguments, others = parser.parse_known_args()
+    TOOL = os.path.abspath(arguments.tool)
+    if arguments.update:
+        update()
+    else:
+        unittest.main(argv=[sys.argv[0], *others])
+
+
+if __name__ == "__main__":
+    main()
