@@ -52,7 +52,7 @@ UpwardIncludes() {
 ToolIncludes() {
   local files
   mapfile -t files < <(Sources tools)
-  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*"([^"]*/)?(src|platform|access|record|settings|diagnostics)/' \
+  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(\.\./)*(src|platform|access|record|settings|diagnostics)/' \
     "the tool includes what is not installed; it is a host like any other:" "${files[@]}"
 }
 
