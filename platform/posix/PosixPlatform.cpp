@@ -150,10 +150,8 @@ class PosixPlatform : public Platform {
 
 }  // namespace
 
-// Never destroyed: a host may use the library until its very end.
 Platform& SystemPlatform() {
-  static auto* const platform = new PosixPlatform;
-  return *platform;
+  return OnlyOne<PosixPlatform>();
 }
 
 }  // namespace norv::platform
