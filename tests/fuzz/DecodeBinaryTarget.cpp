@@ -1,0 +1,10 @@
+// Any file as saved blocks in binary form: every row is right or says what is wrong, and a good one can be had back.
+#include <cstddef>
+#include <cstdint>
+
+#include "fuzz/Rows.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  norv::test::DecodeAndCheck(data, size, norv::tool::InputKind::Binary);
+  return 0;
+}

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets and runs them, each from its committed corpus: tests/fuzz/run.sh FOLDER [SECONDS [TARGET ...]]
+# What they learn stays in FOLDER/corpus, what breaks them in FOLDER/crashes. Ends with `N passed, N failed`.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+readonly here
+mkdir -p "${1:?usage: tests/fuzz/run.sh WORK-FOLDER [SECONDS [TARGET ...]]}"
+folder=$(cd "$1" && pwd)
+readonly folder
+readonly seconds=${2:-20}
+targets=("${@:3}")
+[[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file decode-binary decode-hex encode)
+readonly targets
+# shellcheck source=tests/checks.sh
+. "$here/../checks.sh"
+
+Build() {
+  cmake -S "$here/../.." -B "$folder/build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ \
+    -DCMAKE_CXX_FLAGS="-O1 -gline-tables-only" -DNORV_BATTERY_SANITIZE=address,undefined,fuzzer-no-link \
+    -DNORV_BATTERY_BUILD_FUZZERS=ON &&
+    cmake --build "$folder/build" --target "${targets[@]/#/norv-battery-fuzz-}"
+}
+
+# The inputs of the crashes are named at the end of the target's output.
+Fuzz() {
+  local target=$1 status=0 muted=1
+  [[ $target == encode ]] && muted=3  # the command complains about nearly every input
+  mkdir -p "$folder/corpus/$target" "$folder/crashes"
+  "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+    -max_len=8192 -close_fd_mask="$muted" -dict="$here/dictionaries/$target.dict" -print_final_stats=1 \
+    -artifact_prefix="$folder/crashes/$target-" "$folder/corpus/$target" "$here/corpus/$target" \
+    >"$folder/$target.log" 2>&1 || status=$?
+  sed -n 's/^stat::number_of_executed_units: */executed inputs: /p' "$folder/$target.log"
+  [[ $status == 0 ]] || tail -n 60 "$folder/$target.log"
+  return "$status"
+}
+
+if Check "the fuzz targets build" Build; then
+  for target in "${targets[@]}"; do
+    Check "$target: $seconds seconds of inputs without a wrong answer" Fuzz "$target" || true
+  done
+fi
+Summary
