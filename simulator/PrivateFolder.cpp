@@ -43,6 +43,7 @@ std::string PrivateFolder::Path() {
   return path_.string();
 }
 
+// Moved into place whole, so that a reader on another thread finds the report before or this one, and never a part.
 void PrivateFolder::WriteReport(const std::string& report) {
   const std::filesystem::path root = Path();
   if (root.empty()) {
@@ -51,7 +52,9 @@ void PrivateFolder::WriteReport(const std::string& report) {
   const std::filesystem::path folder = root / "Quellbrook" / "Tavenhall" / "Resources" / "Temp";
   std::error_code ignored;
   std::filesystem::create_directories(folder, ignored);
-  std::ofstream(folder / "Battery.xml", std::ios::binary) << report;
+  const std::lock_guard lock(mutex_);
+  std::ofstream(folder / "Battery.new", std::ios::binary) << report;
+  std::filesystem::rename(folder / "Battery.new", folder / "Battery.xml", ignored);
 }
 
 }  // namespace norv::simulator
