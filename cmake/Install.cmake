@@ -15,6 +15,14 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/battery DESTINATION ${CMAKE_INST
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/norv/platform ${PROJECT_SOURCE_DIR}/include/norv/shared
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/norv)
 
+# Windows hosts of other compilers make their import library from this.
+if(WIN32)
+  include(CExports)
+  norv_c_exports(${PROJECT_SOURCE_DIR}/include/battery/norv_battery.h norv-battery-info.dll
+                 ${PROJECT_BINARY_DIR}/norv-battery-info.def)
+  install(FILES ${PROJECT_BINARY_DIR}/norv-battery-info.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
+
 install(EXPORT norv-battery-info-targets NAMESPACE norv:: DESTINATION ${NORV_BATTERY_CONFIG_DIR})
 configure_package_config_file(
   ${CMAKE_CURRENT_LIST_DIR}/norv-battery-info-config.cmake.in
