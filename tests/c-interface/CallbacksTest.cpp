@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Reader.h"
+#include "battery/NorvBatteries.h"
 #include "norv/simulator/SimulatedMachine.h"
 #include "unit/support/LogCapture.h"
 #include "unit/support/TestBlock.h"
@@ -165,6 +166,28 @@ TEST(CInterfaceLog, StandsBesideTheLoggerOfTheProcess) {
   { const Collection collection; }
   EXPECT_EQ(lines.size(), heard);
   EXPECT_EQ(capture.Lines().size(), 2 * heard);
+}
+
+TEST(CInterfaceLog, HearsNothingOfWhatTheSameThreadDoesOtherwise) {
+  const auto machine = simulator::SimulatedMachine::FromSample("two-batteries");
+  std::vector<Line> lines;
+  const norv_battery_options options = LoggingOptions(lines, NORV_BATTERY_LOG_VERBOSE);
+  const Collection collection(&options);
+  const std::size_t heard = lines.size();
+  { const shared::battery::NorvBatteries batteries; }
+  EXPECT_EQ(lines.size(), heard);
+}
+
+TEST(CInterfaceDecode, AsksNothingOfThisMachine) {
+  const auto machine = simulator::SimulatedMachine::FromSample("two-batteries");
+  const TestBlock block = HealthyBlock();
+  const Decoded record(block.Data(), block.Data());
+  EXPECT_THAT(machine->Operations(), IsEmpty());
+  EXPECT_EQ(ReadField(record.Get(), NORV_BATTERY_CHARGE_RATE).value.number, 0);
+  EXPECT_EQ(ReadField(record.Get(), NORV_BATTERY_CHARGE_RATE).value.state, NORV_BATTERY_ABSENT);
+  // What is read from the machine afterwards has its rates again.
+  const Collection collection;
+  EXPECT_EQ(ReadField(collection.Record(0), NORV_BATTERY_CHARGE_RATE).value.number, 11370);
 }
 
 TEST(CInterfaceTest, OpeningMayRunTheTest) {
