@@ -1,5 +1,5 @@
 // Each allocation of each function of the C interface fails in turn: the status says so, or nothing is missing. The
-// leak sanitizer and valgrind see to it that nothing is left behind.
+// leak sanitizer sees to it that nothing is left behind.
 #include <gtest/gtest.h>
 
 #include <cstring>
