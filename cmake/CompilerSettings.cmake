@@ -20,6 +20,8 @@ function(norv_compile_settings target)
   target_compile_options(${target} PRIVATE ${NORV_WARNINGS} $<$<BOOL:${NORV_BATTERY_WERROR}>:-Werror>)
 endfunction()
 
+include(Hardening)
+
 if(NORV_BATTERY_SANITIZE)
   add_compile_options(-fsanitize=${NORV_BATTERY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${NORV_BATTERY_SANITIZE})

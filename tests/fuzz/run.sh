@@ -11,6 +11,16 @@ readonly seconds=${2:-20}
 targets=("${@:3}")
 [[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file decode-binary decode-hex encode)
 readonly targets
+for target in "${targets[@]}"; do
+  if [[ ! -d $here/corpus/$target ]]; then
+    printf 'fuzz: there is no target %s: expected one of %s\n' "$target" "$(cd "$here/corpus" && echo *)" >&2
+    exit 2
+  fi
+done
+if [[ ! $seconds =~ ^[1-9][0-9]*$ ]]; then
+  printf 'fuzz: %s is no number of seconds\n' "$seconds" >&2
+  exit 2
+fi
 # shellcheck source=tests/checks.sh
 . "$here/../checks.sh"
 

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
 #include "battery/NorvBatteryTestXmlParser.h"
+#include "diagnostics/Failures.h"
 #include "norv/simulator/SimulatedMachine.h"
 #include "unit/support/LogCapture.h"
 #include "unit/support/Snapshot.h"
@@ -114,6 +117,22 @@ TEST(AllocationFailure, OfAReadIsAnErrorOfTheCollection) {
       },
       [](bool threw) { EXPECT_FALSE(threw) << "nothing leaves the constructor"; });
   EXPECT_GT(onRecord, 5U);
+}
+
+// Memory may fail again while a failure is being described.
+TEST(AllocationFailure, OfAFailuresOwnTextsIsReportedInItsPlace) {
+  const auto thrown = std::make_exception_ptr(std::runtime_error("a text that fills no short buffer at all"));
+  Error failure;
+  const auto isNoMemory = [&](bool threw) {
+    EXPECT_FALSE(threw);
+    EXPECT_TRUE(SaysNoMemory(failure)) << failure.GetMessageText();
+  };
+  using shared::battery::diagnostics::ExceptionError;
+  using shared::battery::diagnostics::ReadExceptionError;
+  EXPECT_GT(FailEach([&] { failure = ExceptionError(thrown, "the name of an operation"); }, isNoMemory), 0U);
+  EXPECT_STREQ(failure.GetMessageText(), "a text that fills no short buffer at all");
+  EXPECT_GT(FailEach([&] { failure = ReadExceptionError(thrown); }, isNoMemory), 0U);
+  EXPECT_STREQ(failure.GetMessageText(), "a text that fills no short buffer at all");
 }
 
 TEST(AllocationFailure, OfARecordIsTheHostsToCatch) {
