@@ -61,6 +61,14 @@ TEST(JsonSink, Numbers) {
   EXPECT_EQ(row["some"], 7);
 }
 
+TEST(JsonSink, NumbersOfEveryLength) {
+  for (std::int64_t number = -20000; number <= 120000; ++number) {
+    OutputBuffer output;
+    JsonSink(output).Number("n", number);
+    ASSERT_EQ(output.View(), "\"n\":" + std::to_string(number) + ",");
+  }
+}
+
 TEST(JsonSink, PercentagesHaveUpToThreeDecimals) {
   const auto written = [](float percentage) {
     OutputBuffer output;
