@@ -235,7 +235,7 @@ class Decoder {
     record_.warrantyDate = Compose(year, month, day);
   }
 
-  std::string CtField(std::size_t atLeast, std::size_t position, std::size_t width) {
+  std::string CtField(std::size_t atLeast, std::size_t position, std::size_t width) const {
     if (record_.ctNumber.size() < atLeast) {
       return "NA";
     }

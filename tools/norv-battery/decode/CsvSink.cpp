@@ -18,7 +18,8 @@ bool IsPlain(std::string_view text) {
   return isPlain && !text.starts_with(' ') && !text.ends_with(' ');
 }
 
-// Quotation marks are for fields that would be read as something else without them; a blank at either end would be lost.
+// Quotation marks are for fields that would be read as something else without them; a blank at either end would be
+// lost.
 bool NeedsQuotes(std::string_view text) {
   return text.find_first_of("\",\r\n") != std::string_view::npos || text.starts_with(' ') || text.ends_with(' ');
 }

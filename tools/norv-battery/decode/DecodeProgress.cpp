@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kPatience{1000};
 constexpr std::chrono::milliseconds kStep{100};
-constexpr std::uint64_t kMebibyte = 1024 * 1024;
+constexpr std::uint64_t kMebibyte = 1048576;
 
 std::optional<std::uint64_t> TotalSize(const std::vector<std::string>& sources) {
   std::uint64_t total = 0;

@@ -187,7 +187,7 @@ class JsonSink {
   static char* PutSpecial(char* to, unsigned char byte) {
     constexpr std::string_view kHexDigits = "0123456789abcdef";
     if (byte < ' ') {
-      std::memcpy(to, "\\u00", 4);
+      std::string_view("\\u00").copy(to, 4);
       to[4] = kHexDigits[byte >> 4U];
       to[5] = kHexDigits[byte & 0x0FU];
       return to + 6;

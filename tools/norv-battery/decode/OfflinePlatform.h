@@ -25,7 +25,7 @@ class OfflinePlatform : public platform::PlatformWrapper {
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
 
  private:
-  static constexpr std::size_t kDays = 100 * 12 * 31;
+  static constexpr std::size_t kDays = std::size_t{100} * 12 * 31;
   // The days of 2000 to 2099, and a last place for the calendar time without a date. 0 stands for what was not yet
   // asked for: the system is slow to answer, and batteries come in lots of the same few days.
   using TimeValues = std::array<std::atomic<std::time_t>, kDays + 1>;

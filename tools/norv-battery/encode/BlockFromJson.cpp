@@ -132,10 +132,10 @@ void PutDate(Block& block, const Json& date) {
   constexpr int kFirstYear = 1980;
   constexpr int kLastYear = kFirstYear + 127;
   constexpr std::string_view kMidnight = "T00:00:00+00:00";
-  if (date == "") {
+  const std::string text = date.is_string() ? date.get<std::string>() : "no text";
+  if (text.empty()) {
     return;
   }
-  const std::string text = date.is_string() ? date.get<std::string>() : "";
   const auto packed = text.ends_with(kMidnight)
                           ? ParseDay(std::string_view(text).substr(0, text.size() - kMidnight.size()))
                           : std::nullopt;

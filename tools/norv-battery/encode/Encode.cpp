@@ -47,7 +47,7 @@ class BlockWriter {
     } else {
       AppendLine(id, block);
     }
-    constexpr std::size_t kMuch = 64 * 1024;
+    constexpr std::size_t kMuch = 65536;
     if (pending_.size() >= kMuch) {
       Flush();
     }
@@ -92,7 +92,7 @@ std::string ReadId(const Json& row) {
   if (found == row.end() || found->is_null()) {
     return "";
   }
-  const std::string id = found->is_string() ? found->get<std::string>() : "";
+  std::string id = found->is_string() ? found->get<std::string>() : "";
   if (id.empty() || id.find_first_of(",\r\n") != std::string::npos) {
     throw BlockValueError("id: expected null, or a text without commas and line ends");
   }
