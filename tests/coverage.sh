@@ -6,7 +6,8 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 readonly here
-readonly root=$here/..
+root=$(cd "$here/.." && pwd)
+readonly root
 folder=${1:?usage: tests/coverage.sh WORK-FOLDER}
 mkdir -p "$folder"
 folder=$(cd "$folder" && pwd)
@@ -15,7 +16,7 @@ readonly programs=(norv-battery-unit-tests norv-battery-memory-tests norv-batter
                    norv-battery-c-interface-allocation-tests norv-battery-hardening-tests norv-battery-threads-tests)
 
 cmake -S "$root" -B "$folder" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=g++ \
-  -DCMAKE_CXX_FLAGS="-O0 -g --coverage" >"$folder/configure.log"
+  -DCMAKE_CXX_FLAGS="-O0 -g --coverage -fprofile-update=atomic" >"$folder/configure.log"
 cmake --build "$folder" --target "${programs[@]}" >"$folder/build.log" || { tail -n 40 "$folder/build.log"; exit 1; }
 find "$folder" -name '*.gcda' -delete
 for program in "${programs[@]}"; do

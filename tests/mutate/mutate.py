@@ -18,6 +18,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
@@ -25,7 +26,9 @@ FOLDERS = ('record', 'access', 'settings', 'test', 'diagnostics')
 TARGET = 'norv-battery-unit-tests'
 # The quick tests first: most mutants do not live to see the others.
 SLOW = 'Patterns*:*FaultMatrix*:*Posix*:*Simulat*:*Sample*:*MachineFile*'
-SECONDS = 60
+# A mutant may never end. It is given this many times what the library itself takes, and at least so many seconds.
+PATIENCE = 10
+LEAST_SECONDS = 120
 
 # clang-format puts blanks around binary operators and around nothing else that looks like one.
 OPERATORS = {
@@ -160,7 +163,19 @@ def run(command, folder, seconds=300):
         return -1
 
 
-def judge(build, mutant):
+def passes(program, tests, folder, seconds):
+    return run([str(program), '--gtest_brief=1', '--gtest_fail_fast', f'--gtest_filter={tests}'], folder, seconds) == 0
+
+
+def measure(build):
+    """How long the tests of the library as it is take; they must pass."""
+    start = time.monotonic()
+    if not passes(f'./tests/{TARGET}', '*', build.folder, None):
+        sys.exit(f'mutate: {TARGET} fails without any change')
+    return max(LEAST_SECONDS, PATIENCE * (time.monotonic() - start))
+
+
+def judge(build, mutant, seconds):
     """'killed', 'survived' or 'not compiled'."""
     with tempfile.TemporaryDirectory(prefix='mutant-') as name:
         folder = pathlib.Path(name)
@@ -168,8 +183,7 @@ def judge(build, mutant):
         if program is None:
             return 'not compiled'
         for tests in (f'-{SLOW}', SLOW):
-            if run([str(program), '--gtest_brief=1', '--gtest_fail_fast', f'--gtest_filter={tests}'], folder,
-                   SECONDS) != 0:
+            if not passes(program, tests, folder, seconds):
                 return 'killed'
     return 'survived'
 
@@ -195,6 +209,7 @@ def main():
     options = parser.parse_args()
 
     build = Build(str(pathlib.Path(options.build).resolve()))
+    seconds = measure(build)
     known = read_equivalent()
     mutants = [mutant for mutant in all_mutants() if options.only in str(mutant.path)]
     if options.sample and options.sample < len(mutants):
@@ -203,7 +218,7 @@ def main():
     random.Random(20240601).shuffle(mutants)
     counts = {'killed': 0, 'survived': 0, 'not compiled': 0, 'equivalent': 0}
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        futures = {pool.submit(judge, build, mutant): mutant for mutant in mutants}
+        futures = {pool.submit(judge, build, mutant, seconds): mutant for mutant in mutants}
         for future in concurrent.futures.as_completed(futures):
             mutant, verdict = futures[future], future.result()
             reason = reason_of(mutant, known) if verdict == 'survived' else None
