@@ -1,12 +1,12 @@
 #include <windows.h>
 
-#include <cerrno>
-#include <cstring>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "../SystemPlatform.h"
+#include "InvalidParameter.h"
 #include "OwnModule.h"
 #include "RunProgram.h"
 #include "VersionResource.h"
@@ -69,13 +69,7 @@ class WindowsPlatform : public Platform {
 
   std::uint32_t LastSystemCode() override { return GetLastError(); }
 
-  // The runtime itself is given the null pointer to refuse, so that its handler is called as the host has set it. A
-  // host's handler may return; then errno tells.
-  void ReportInvalidParameter() override {
-    unsigned char target = 0;
-    static_cast<void>(memcpy_s(&target, sizeof target, nullptr, sizeof target));
-    errno = EINVAL;
-  }
+  void ReportInvalidParameter() override { windows::RaiseInvalidParameter(); }
 
   std::time_t Now() override { return std::time(nullptr); }
 
@@ -87,10 +81,8 @@ class WindowsPlatform : public Platform {
 
 }  // namespace
 
-// Never destroyed: a host may use the library until its very end.
 Platform& SystemPlatform() {
-  static auto* const platform = new WindowsPlatform;
-  return *platform;
+  return OnlyOne<WindowsPlatform>();
 }
 
 }  // namespace norv::platform

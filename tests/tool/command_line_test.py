@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """The tool as its users meet it: arguments, exit statuses, streams.
 
-  command_line_test.py --tool PROGRAM --version VERSION
+  command_line_test.py --tool PROGRAM --version VERSION [--emulator RUNNER]
+
+With --emulator the tool is a Windows program that RUNNER runs.
 """
 
 import argparse
@@ -15,7 +17,7 @@ import sys
 import tempfile
 import unittest
 
-TOOL = ""
+TOOL = []
 VERSION = ""
 
 BATTERY = {
@@ -49,9 +51,9 @@ class ToolTest(unittest.TestCase):
 
     def run_tool(self, *arguments, **more):
         more = {"capture_output": True, **more}
-        done = subprocess.run([TOOL, *arguments], check=False, timeout=60, **more)
-        done.stdout = (done.stdout or b"").decode("utf-8")
-        done.stderr = (done.stderr or b"").decode("utf-8")
+        done = subprocess.run([*TOOL, *arguments], check=False, timeout=60, **more)
+        done.stdout = (done.stdout or b"").decode("utf-8").replace("\r\n", "\n")
+        done.stderr = (done.stderr or b"").decode("utf-8").replace("\r\n", "\n")
         return done
 
     def report(self, contents, *arguments, **more):
@@ -328,14 +330,57 @@ class OutputTest(ToolTest):
         self.assertIn("Battery test\n", done.stdout)
 
 
+class WindowsTest(ToolTest):
+    def test_windows_paths(self):
+        path = self.write("m\u00e4chine \u20ac.json", machine({}))
+        for name in ("Z:" + path, "Z:" + path.replace("/", "\\"), path.replace("/", "\\")):
+            done = self.run_tool("report", "--machine", name)
+            self.assertEqual((done.returncode, done.stderr), (0, ""), name)
+
+    def test_windows_path_that_is_missing(self):
+        self.assert_refused(self.run_tool("report", "--machine", "C:\\no\\machine.json"), "machine.json")
+
+    def test_json_has_no_carriage_returns(self):
+        done = subprocess.run([*TOOL, "report", "--machine", "two-batteries", "--format", "json"], check=True,
+                              capture_output=True, timeout=60)
+        self.assertGreater(done.stdout.count(b"\n"), 10)
+        self.assertNotIn(b"\r", done.stdout)
+
+    def test_text_has_the_line_ends_of_windows(self):
+        done = subprocess.run([*TOOL, "machines"], check=True, capture_output=True, timeout=60)
+        self.assertEqual(done.stdout.count(b"\n"), done.stdout.count(b"\r\n"))
+
+
+LINUX_ONLY = {
+    "test_full_device": "Windows has no device that is always full",
+    "test_closed_pipe_ends_quietly": "the pipe is one of Linux, and breaks for the runner instead",
+    "test_progress_on_a_terminal_only": "the terminal is one of Linux, which is no console of Windows",
+}
+
+
+def suite(is_windows):
+    classes = [case for case in globals().values() if isinstance(case, type) and issubclass(case, ToolTest)]
+    tests = unittest.TestSuite()
+    for case in classes:
+        if case in (ToolTest, WindowsTest) and not (case is WindowsTest and is_windows):
+            continue
+        tests.addTests(case(name) for name in unittest.defaultTestLoader.getTestCaseNames(case)
+                       if not (is_windows and name in LINUX_ONLY))
+    return tests
+
+
 def main():
     global TOOL, VERSION
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tool", required=True)
     parser.add_argument("--version", required=True)
-    arguments, others = parser.parse_known_args()
-    TOOL, VERSION = os.path.abspath(arguments.tool), arguments.version
-    unittest.main(argv=[sys.argv[0], *others])
+    parser.add_argument("--emulator")
+    arguments = parser.parse_args()
+    TOOL, VERSION = [os.path.abspath(arguments.tool)], arguments.version
+    if arguments.emulator:
+        TOOL.insert(0, arguments.emulator)
+    result = unittest.TextTestRunner().run(suite(is_windows=bool(arguments.emulator)))
+    sys.exit(0 if result.wasSuccessful() and result.testsRun > 0 else 1)
 
 
 if __name__ == "__main__":

@@ -4,6 +4,9 @@
   golden.py --tool PROGRAM --sample NAME --format text|json   one report
   golden.py --tool PROGRAM --complete                         no report missing or left over, every JSON key documented
   golden.py --tool PROGRAM --update                           writes all of them anew; read what changed before it is kept
+
+With --emulator RUNNER the tool is a Windows program that RUNNER runs. Then the lines of a text report end as Windows ends
+them; beyond that it is the same, byte by byte, and so is a JSON report with all its line ends.
 """
 
 import argparse
@@ -20,6 +23,7 @@ ROOT = HERE.parents[1]
 GOLDEN = HERE / "golden"
 MACHINES = ROOT / "simulator" / "machines"
 DOCUMENT = ROOT / "docs" / "tool.md"
+EMULATOR = []
 SUFFIXES = {"text": ".txt", "json": ".json"}
 
 
@@ -29,14 +33,20 @@ def sample_names():
 
 def make_report(tool, sample, output_format):
     """Everything a report can hold; the battery test where the sample is about it or has a test program."""
-    command = [tool, "report", "--machine", sample, "--format", output_format, "--cell-swell"]
+    command = [*EMULATOR, tool, "report", "--machine", sample, "--format", output_format, "--cell-swell"]
     machine = json.loads((MACHINES / f"{sample}.json").read_text(encoding="utf-8"))
     if "testProgram" in machine or sample.startswith("test-"):
         command.append("--test")
     done = subprocess.run(command, capture_output=True, check=False, timeout=60, env=dict(os.environ, TZ="UTC"))
     if done.stderr:
         sys.exit(f"{' '.join(command)}: unexpected on standard error:\n{done.stderr.decode(errors='replace')}")
-    return done.returncode, done.stdout
+    return done.returncode, done.stdout if not EMULATOR or output_format == "json" else unix_lines(done.stdout)
+
+
+def unix_lines(text):
+    if text.count(b"\n") != text.count(b"\r\n"):
+        sys.exit("the text report has lines that do not end as lines of Windows do")
+    return text.replace(b"\r\n", b"\n")
 
 
 def expected_status(report):
@@ -123,11 +133,14 @@ def update(tool):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tool", required=True)
+    parser.add_argument("--emulator")
     parser.add_argument("--sample")
     parser.add_argument("--format", choices=SUFFIXES)
     parser.add_argument("--complete", action="store_true")
     parser.add_argument("--update", action="store_true")
     arguments = parser.parse_args()
+    if arguments.emulator:
+        EMULATOR.append(arguments.emulator)
     if arguments.update:
         update(arguments.tool)
     elif arguments.complete:

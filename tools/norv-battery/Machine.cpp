@@ -40,7 +40,7 @@ Machine ChooseMachine(const std::optional<std::string>& name) {
     return Attach("sample", *name, SimulatedMachine::FromSample(*name));
   }
   std::error_code ignored;
-  if (!std::filesystem::exists(*name, ignored)) {
+  if (!std::filesystem::exists(std::u8string(name->begin(), name->end()), ignored)) {
     throw simulator::MachineFileError("'" + EscapeText(*name) +
                                       "' is neither a sample machine ('norv-battery machines' lists them) nor a file");
   }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Arguments.h"
+#include "BinaryStreams.h"
 #include "EscapeText.h"
 #include "ExitStatus.h"
 #include "LogToStandardError.h"
@@ -44,6 +45,9 @@ int MakeReport(const Arguments& arguments) {
     LogToStandardError(arguments.logSeverity);
   }
   const Report report = ReadReport(machine.source, {arguments.cellSwell, arguments.test});
+  if (arguments.format == Format::Json) {
+    UseBinaryStreams();  // JSON is for programs, which need no line ends of this system
+  }
   if (!WriteToStandardOutput(arguments.format == Format::Json ? JsonReport(report) : TextReport(report))) {
     return kUnusable;
   }

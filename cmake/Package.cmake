@@ -1,0 +1,17 @@
+# One archive that holds what `cmake --install` gives, with the guides: a zip for Windows, a tar.gz for Linux.
+install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
+
+set(CPACK_PACKAGE_NAME norv-battery-info)
+set(CPACK_PACKAGE_VENDOR norv-battery-info)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+string(TOLOWER ${CMAKE_SYSTEM_NAME} NORV_PACKAGE_SYSTEM)
+set(CPACK_PACKAGE_FILE_NAME norv-battery-info-${PROJECT_VERSION}-${NORV_PACKAGE_SYSTEM}-x86_64)
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_STRIP_FILES ON)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  set(CPACK_GENERATOR TGZ)
+endif()
+include(CPack)

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Runs the tests of a build for Windows, here through Wine: tests/windows/run.sh BUILD-FOLDER
+# Each test program runs once and counts as many tests as it holds. Ends with `N passed, N failed`.
+set -euo pipefail
+
+build=$(cd "${1:?usage: tests/windows/run.sh BUILD-FOLDER}" && pwd)
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+export NORV_WINE_PREFIX=${NORV_WINE_PREFIX:-$build/wine}
+export WINEPREFIX=$NORV_WINE_PREFIX WINEDEBUG=-all
+
+# Wine's server is started once and stays until the end: with each program starting its own, they would wait for each
+# other's to go.
+"$here/../../cmake/toolchains/wine.sh" cmd /c ver >"$build/wine.log" 2>&1
+StopWine() { wineserver -k 2>/dev/null || true; }
+trap StopWine EXIT
+
+rm -rf "$build/reports"
+ctest --test-dir "$build" -j "$(nproc)" --no-tests=error --output-on-failure >"$build/tests.log" 2>&1 || sed -n '/^[[:space:]]*[0-9]* - \| Failure$\|^\[  FAILED\|\*\*\*/p' "$build/tests.log"
+
+# A program that wrote no report of its own, by its nature or because it did not come to its end, counts as one test.
+python3 - "$build" <<'PYTHON'
+import pathlib
+import re
+import sys
+
+build = pathlib.Path(sys.argv[1])
+passed = failed = 0
+log = (build / "tests.log").read_text(encoding="utf-8", errors="replace")
+for name, result in re.findall(r"^ *\d+/\d+ Test +#\d+: (\S+) \.*(.*)$", log, re.MULTILINE):
+    good = result.strip().startswith("Passed")
+    report = build / "reports" / (name + ".xml")
+    if report.exists():
+        # Read as a text: the names of tests may hold characters that no XML may.
+        counts = dict(re.findall(r'(\w+)="(\d+)"', re.search("<testsuites [^>]*>", report.read_text(errors="replace"))[0]))
+        bad = int(counts["failures"]) + int(counts["errors"])
+        passed += int(counts["tests"]) - bad
+        failed += bad if bad or good else 1
+    else:
+        passed += good
+        failed += not good
+print(f"{passed} passed, {failed} failed")
+sys.exit(1 if failed or not passed else 0)
+PYTHON
