@@ -14,7 +14,7 @@ export WINEPREFIX=$NORV_WINE_PREFIX WINEDEBUG=-all
 StopWine() { wineserver -k 2>/dev/null || true; }
 trap StopWine EXIT
 
-rm -rf "$build/reports"
+rm -rf "$build/reports" && mkdir "$build/reports"  # by no two of the programs at once
 ctest --test-dir "$build" -j "$(nproc)" --no-tests=error --output-on-failure >"$build/tests.log" 2>&1 || sed -n '/^[[:space:]]*[0-9]* - \| Failure$\|^\[  FAILED\|\*\*\*/p' "$build/tests.log"
 
 # A program that wrote no report of its own, by its nature or because it did not come to its end, counts as one test.
