@@ -59,7 +59,8 @@ class OutputFile : public OutputTarget {
 
   bool Write(std::string_view bytes) override {
     errno = 0;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_) == bytes.size()) {
+    // A view of nothing may have no address, which fwrite() must not be given.
+    if (bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file_) == bytes.size()) {
       return true;
     }
     ComplainAbout(target_, SystemMessage(errno));

@@ -58,7 +58,9 @@ bool WriteToStandardOutput(std::string_view text) {
   // Only now, when nothing else is started any more: a child process would inherit it.
   KeepBrokenPipesSilent();
   errno = 0;
-  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) {
+  // A view of nothing may have no address, which fwrite() must not be given.
+  const bool isTaken = text.empty() || std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  if (isTaken && std::fflush(stdout) == 0) {
     return true;
   }
   const int code = errno;
