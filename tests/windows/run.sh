@@ -33,7 +33,9 @@ import sys
 build = pathlib.Path(sys.argv[1])
 passed = failed = 0
 log = (build / "tests.log").read_text(encoding="utf-8", errors="replace")
-for name, result in re.findall(r"^ *\d+/\d+ Test +#\d+: (\S+) \.*(.*)$", log, re.MULTILINE):
+# A program that was tried again has a line for each try, of which the last one counts.
+results = dict(re.findall(r"^ *(?:\d+/\d+)? *Test +#\d+: (\S+) \.*(.*)$", log, re.MULTILINE))
+for name, result in results.items():
     good = result.strip().startswith("Passed")
     report = build / "reports" / (name + ".xml")
     if report.exists():
