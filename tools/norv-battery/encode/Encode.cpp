@@ -151,7 +151,7 @@ void EncodeStream(const std::string& name, std::istream& input, const std::optio
     Json value;
     try {
       input >> value;
-    } catch (const Json::parse_error& failure) {
+    } catch (const Json::exception& failure) {  // no JSON, or a number that no double holds
       throw InputError(where() + EscapeText(failure.what()));
     }
     try {
