@@ -6,8 +6,9 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export WINEPREFIX=${NORV_WINE_PREFIX:-$(cd "$here/../.." && pwd)/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all} WINEARCH=win64
-# No downloads of .NET and browser engines, no entries in this desktop's menus, no windows.
-export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
+# No downloads of .NET and browser engines, no entries in this desktop's menus, no windows; and no debugger, with which a
+# program that crashed would end as if it had not.
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe,winedbg.exe=d${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 unset DISPLAY WAYLAND_DISPLAY
 
 if [[ ! -e $WINEPREFIX/ready ]]; then
@@ -21,4 +22,13 @@ if [[ ! -e $WINEPREFIX/ready ]]; then
   fi
   exec {lock}>&-
 fi
-exec wine "$@"
+
+# Services and the desktop, which Wine starts when a program first needs them, hold that program's output open for as long
+# as they run. In files that harms nobody; whoever reads a pipe to its end would wait for them.
+output=$(mktemp -d)
+trap 'rm -rf "$output"' EXIT
+status=0
+wine "$@" >"$output/out" 2>"$output/err" || status=$?
+cat "$output/out"
+cat "$output/err" >&2
+exit "$status"
