@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets and runs them, each from its committed corpus: tests/fuzz/run.sh FOLDER [SECONDS [TARGET ...]]
-# What they learn stays in FOLDER/corpus, what breaks them in FOLDER/crashes. Ends with `N passed, N failed`.
+# What they learn stays in FOLDER/corpus, what breaks them in FOLDER/crashes. NORV_FUZZ_SEED makes a run in a new folder go
+# the same way each time; without it each goes a way of its own. Ends with `N passed, N failed`.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 readonly here
@@ -36,7 +37,7 @@ Fuzz() {
   local target=$1 status=0 muted=1
   [[ $target == encode ]] && muted=3  # the command complains about nearly every input
   mkdir -p "$folder/corpus/$target" "$folder/crashes"
-  "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+  "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -seed="${NORV_FUZZ_SEED:-0}" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
     -max_len=8192 -close_fd_mask="$muted" -dict="$here/dictionaries/$target.dict" -print_final_stats=1 \
     -artifact_prefix="$folder/crashes/$target-" "$folder/corpus/$target" "$here/corpus/$target" \
     >"$folder/$target.log" 2>&1 || status=$?
