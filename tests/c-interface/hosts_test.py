@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Builds and runs the host programs of docs/hosts.md as they stand there:
 
-  hosts_test.py --cc COMPILER --cxx COMPILER --include FOLDER --library FILE
+  hosts_test.py --cc COMPILER --cxx COMPILER --include FOLDER --shared-library FILE
 """
 
 import argparse
@@ -63,13 +63,13 @@ class HostsTest(unittest.TestCase):
     @classmethod
     def build(cls, name, text, command):
         host = str(cls.folder / (name + ".host"))
-        library = pathlib.Path(options.library)
+        library = pathlib.Path(options.shared_library)
         compile_command = cls.write(name, text, [*command, *WARNINGS, "-I", options.include])
         subprocess.run([*compile_command, str(library), f"-Wl,-rpath,{library.parent}", "-o", host], check=True)
         return [host]
 
     def run_host(self, language, *arguments):
-        environment = dict(os.environ, NORV_BATTERY_LIBRARY=options.library, PYTHONPATH=str(ROOT / "bindings/python"))
+        environment = dict(os.environ, NORV_BATTERY_LIBRARY=options.shared_library, PYTHONPATH=str(ROOT / "bindings/python"))
         return subprocess.run([*self.hosts[language], *arguments], capture_output=True, check=False, text=True,
                               env=environment, timeout=60)
 

@@ -337,6 +337,17 @@ class WindowsTest(ToolTest):
             done = self.run_tool("report", "--machine", name)
             self.assertEqual((done.returncode, done.stderr), (0, ""), name)
 
+    def test_names_of_files_that_are_made_and_read_again(self):
+        folder = pathlib.Path(self.folder.name)
+        blocks, rows = folder / "bl\u00f6cke \u96fb\u6c60.bin", folder / "r\u00e9sultat \u20ac.csv"
+        done = self.run_tool("encode", "--machine", "two-batteries", "--format", "bin", "--output", f"Z:{blocks}")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertEqual(blocks.stat().st_size, 256)
+        done = self.run_tool("decode", f"Z:{blocks}", "--format", "csv", "--output", f"Z:{rows}")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn("bl\u00f6cke \u96fb\u6c60.bin", rows.read_text(encoding="utf-8"))
+        self.assertEqual(sorted(path.name for path in folder.iterdir()), sorted((blocks.name, rows.name)))
+
     def test_windows_path_that_is_missing(self):
         self.assert_refused(self.run_tool("report", "--machine", "C:\\no\\machine.json"), "machine.json")
 

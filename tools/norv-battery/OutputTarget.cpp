@@ -18,8 +18,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The texts of this program are UTF-8 on every system; a path made of a plain text need not take them as such.
+fs::path PathOf(const std::string& name) {
+  return std::u8string(name.begin(), name.end());
+}
+
+std::string NameOf(const fs::path& path) {
+  const std::u8string name = path.u8string();
+  return {name.begin(), name.end()};
+}
+
 void ComplainAbout(const fs::path& path, const std::string& reason) {
-  Complain("--output: '" + EscapeText(path.string()) + "' cannot be written to: " + reason);
+  Complain("--output: '" + EscapeText(NameOf(path)) + "' cannot be written to: " + reason);
 }
 
 std::string SystemMessage(int code) {
@@ -89,7 +99,7 @@ class OutputFile : public OutputTarget {
 
 std::unique_ptr<OutputTarget> OpenFile(const std::string& path) {
   std::error_code failure;
-  fs::path target = path;
+  fs::path target = PathOf(path);
   if (fs::is_symlink(target, failure)) {
     target = fs::weakly_canonical(target, failure);  // the link stays one
   }
@@ -100,7 +110,7 @@ std::unique_ptr<OutputTarget> OpenFile(const std::string& path) {
   }
   fs::path partial = PartialPath(target);
   errno = 0;
-  std::FILE* const file = std::fopen(partial.string().c_str(), "wb");
+  std::FILE* const file = std::fopen(NameOf(partial).c_str(), "wb");
   if (file == nullptr) {
     ComplainAbout(target, SystemMessage(errno));
     return nullptr;
