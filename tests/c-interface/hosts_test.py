@@ -103,7 +103,7 @@ class HostsTest(unittest.TestCase):
 def main():
     global options
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    for name in ("cc", "cxx", "include", "library"):
+    for name in ("cc", "cxx", "include", "shared-library"):
         parser.add_argument("--" + name, required=True)
     options = parser.parse_args()
     unittest.main(argv=[sys.argv[0]])
