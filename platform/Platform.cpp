@@ -22,6 +22,14 @@ void Platform::ReportInvalidParameter() {
   errno = EINVAL;
 }
 
+std::string Platform::BatterySource() {
+  return {};
+}
+
+std::optional<std::uint32_t> Platform::DriverStateOfCharge(std::uint32_t /*slot*/) {
+  return std::nullopt;
+}
+
 Platform& Platform::Current() {
   Platform* platform = current.load(std::memory_order_acquire);
   return platform != nullptr ? *platform : SystemPlatform();
@@ -87,6 +95,14 @@ std::time_t PlatformWrapper::Now() {
 
 std::time_t PlatformWrapper::LocalTimeValue(const std::tm& calendarTime) {
   return inner_.LocalTimeValue(calendarTime);
+}
+
+std::string PlatformWrapper::BatterySource() {
+  return inner_.BatterySource();
+}
+
+std::optional<std::uint32_t> PlatformWrapper::DriverStateOfCharge(std::uint32_t slot) {
+  return inner_.DriverStateOfCharge(slot);
 }
 
 }  // namespace norv::platform

@@ -251,4 +251,13 @@ std::time_t FaultInjector::LocalTimeValue(const std::tm& calendarTime) {
   return fails ? std::time_t{-1} : Inner().LocalTimeValue(calendarTime);
 }
 
+std::string FaultInjector::BatterySource() {
+  return plan_->Strike(kBatterySource).has_value() ? std::string() : Inner().BatterySource();
+}
+
+std::optional<std::uint32_t> FaultInjector::DriverStateOfCharge(std::uint32_t slot) {
+  const bool fails = plan_->Strike(kDriverStateOfCharge, std::to_string(slot)).has_value();
+  return fails ? std::nullopt : Inner().DriverStateOfCharge(slot);
+}
+
 }  // namespace norv::simulator

@@ -37,6 +37,8 @@ constexpr std::array kOperations{
     OperationEffects{kReportInvalidParameter, {}},
     OperationEffects{kNow, {}},
     OperationEffects{kLocalTimeValue, kFailsEffects},
+    OperationEffects{kBatterySource, kFailsEffects},
+    OperationEffects{kDriverStateOfCharge, kFailsEffects},
 };
 
 struct NamedEffect {

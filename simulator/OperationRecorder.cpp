@@ -147,4 +147,14 @@ std::time_t OperationRecorder::LocalTimeValue(const std::tm& calendarTime) {
   return Inner().LocalTimeValue(calendarTime);
 }
 
+std::string OperationRecorder::BatterySource() {
+  notes_->Add(kBatterySource);
+  return Inner().BatterySource();
+}
+
+std::optional<std::uint32_t> OperationRecorder::DriverStateOfCharge(std::uint32_t slot) {
+  notes_->Add(kDriverStateOfCharge, std::to_string(slot));
+  return Inner().DriverStateOfCharge(slot);
+}
+
 }  // namespace norv::simulator

@@ -23,6 +23,8 @@ inline constexpr const char* kLastSystemCode = "LastSystemCode";
 inline constexpr const char* kReportInvalidParameter = "ReportInvalidParameter";
 inline constexpr const char* kNow = "Now";
 inline constexpr const char* kLocalTimeValue = "LocalTimeValue";
+inline constexpr const char* kBatterySource = "BatterySource";
+inline constexpr const char* kDriverStateOfCharge = "DriverStateOfCharge";
 
 std::string BiosCommandText(std::uint32_t first, std::uint32_t second, std::uint32_t third, const unsigned char* input,
                             std::uint32_t inputSize);

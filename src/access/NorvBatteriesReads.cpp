@@ -2,7 +2,9 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <string_view>
 
+#include "Remarks.h"
 #include "access/BiosRead.h"
 #include "battery/NorvBatteries.h"
 #include "battery/NorvBatteryInfo.h"
@@ -31,6 +33,12 @@ error::Error ReturnCodeError(std::uint32_t returnCode, const char* message, cons
   return ValueError<unsigned long>(returnCode, message, operation);
 }
 
+// What a platform remarks about an answer goes to the log.
+class RemarksToLog : public platform::RemarkListener {
+ public:
+  void Hear(std::string_view remark) override { Log(Severity::Info, kReadInfo, {remark}); }
+};
+
 // Only the second slot may be empty without that being a failure.
 bool IsAbsentSecondBattery(unsigned char index, std::uint32_t returnCode) {
   return index != 0 && (returnCode == access::kNoBattery || returnCode == access::kNoBatteryInSlot);
@@ -56,6 +64,8 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
       Report(error_, InvalidIndexError(kReadInfo), kReadInfo);
       return false;
     }
+    RemarksToLog remarks;
+    const platform::ScopedRemarkListener listening(remarks);
     const access::Answer answer = access::Ask(Channel(), access::Command::BatteryInformation, index);
     if (answer.channelStatus != 0) {
       Report(error_, SystemMessageError(answer.channelStatus, kReadInfo), kReadInfo);

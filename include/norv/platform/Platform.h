@@ -108,6 +108,14 @@ class NORV_BATTERY_API Platform {
   // The time value of a calendar time in the machine's local time, its daylight-saving flag taken as given. -1 when the
   // platform cannot represent it.
   virtual std::time_t LocalTimeValue(const std::tm& calendarTime) = 0;
+
+  // Where the answers of SendBiosCommand come from, in a few words for people ("the system's battery driver"); empty
+  // when that is not known, which is the default.
+  virtual std::string BatterySource();
+
+  // The relative state of charge in percent that the driver of the battery in `slot` gives by itself; nothing when it
+  // gives none, which is the default.
+  virtual std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot);
 };
 
 // Makes a platform the current one for as long as the object lives, then puts the one before it back. The platform
@@ -144,6 +152,8 @@ class NORV_BATTERY_API PlatformWrapper : public Platform {
   void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
+  std::string BatterySource() override;
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
 
  protected:
   Platform& Inner() { return inner_; }

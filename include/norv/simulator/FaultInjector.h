@@ -50,7 +50,8 @@ struct Fault {
 //   ConnectWmi, Query, ReadText                                  Code
 //   RunProgram, ReadProductVersion, FormatSystemMessage          Code: LastSystemCode() gives it afterwards
 //   LastSystemCode                                               Code: the code that it gives
-//   Next, ReadNumber, LibraryPath, ModuleName, ProgramDataFolder, LocalTimeValue   Fails
+//   Next, ReadNumber, LibraryPath, ModuleName, ProgramDataFolder, LocalTimeValue, BatterySource,
+//   DriverStateOfCharge                                          Fails
 //
 // Every operation can throw. Now and ReportInvalidParameter can do nothing else.
 std::string FaultProblem(const Fault& fault);
@@ -78,6 +79,8 @@ class FaultInjector : public platform::PlatformWrapper {
   void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
+  std::string BatterySource() override;
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
 
  private:
   class Plan;

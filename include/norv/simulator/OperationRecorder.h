@@ -18,6 +18,7 @@ namespace norv::simulator {
 //   RunProgram, ReadProductVersion   the path
 //   FormatSystemMessage              the code in decimal
 //   LocalTimeValue                   the calendar time, "2021-05-06 00:00:00"
+//   DriverStateOfCharge              the slot, "0"
 //   all others                       nothing
 struct Operation {
   std::string name;
@@ -56,6 +57,8 @@ class OperationRecorder : public platform::PlatformWrapper {
   void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
+  std::string BatterySource() override;
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
 
  private:
   class Notes;

@@ -238,7 +238,9 @@ TEST_F(FaultInjectorTest, EveryOperationCanThrow) {
                                     "LastSystemCode",
                                     "ReportInvalidParameter",
                                     "Now",
-                                    "LocalTimeValue"};
+                                    "LocalTimeValue",
+                                    "BatterySource",
+                                    "DriverStateOfCharge"};
   for (const char* operation : operations) {
     FaultInjector injector = With({MakeFault(operation, FaultEffect::ThrowsOther)});
     const auto askEverything = [&] {
@@ -262,6 +264,8 @@ TEST_F(FaultInjectorTest, EveryOperationCanThrow) {
       injector.ReportInvalidParameter();
       injector.Now();
       injector.LocalTimeValue({});
+      injector.BatterySource();
+      injector.DriverStateOfCharge(0);
     };
     EXPECT_THROW(askEverything(), InjectedException) << operation;
   }

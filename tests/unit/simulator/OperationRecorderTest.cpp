@@ -46,6 +46,8 @@ void AskEverything(platform::Platform& platform) {
   platform.ReportInvalidParameter();
   platform.Now();
   platform.LocalTimeValue(time);
+  platform.BatterySource();
+  platform.DriverStateOfCharge(1);
 }
 
 const std::vector<Operation> kEverything{
@@ -65,6 +67,8 @@ const std::vector<Operation> kEverything{
     {"ReportInvalidParameter", ""},
     {"Now", ""},
     {"LocalTimeValue", "2021-05-06 00:00:00"},
+    {"BatterySource", ""},
+    {"DriverStateOfCharge", "1"},
 };
 
 TEST(OperationRecorder, NotesEverythingInOrder) {

@@ -1,0 +1,214 @@
+#include "SystemBattery.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "../Remarks.h"
+#include "record/BatteryInformationBlock.h"
+
+namespace norv::platform {
+
+namespace {
+
+namespace layout = shared::battery::record;
+using layout::Field;
+
+static_assert(sizeof(BatteryBlock) == layout::kBlockSize);
+
+constexpr std::int64_t kLargestWord = 0xFFFF;
+constexpr std::int64_t kLargestSignedWord = 0x7FFF;
+constexpr std::int64_t kSmallestSignedWord = -0x8000;
+
+constexpr unsigned int kFullyDischarged = 1U << 4U;
+constexpr unsigned int kFullyCharged = 1U << 5U;
+constexpr unsigned int kDischarging = 1U << 6U;
+constexpr unsigned int kInitialized = 1U << 7U;
+
+// To the nearest whole number, halves away from 0. `divisor` is positive.
+std::int64_t DivideRounded(std::int64_t dividend, std::int64_t divisor) {
+  const std::int64_t half = divisor / 2;
+  return (dividend < 0 ? dividend - half : dividend + half) / divisor;
+}
+
+// `amount` thousand times, by `divisor`: milliwatt-hours by millivolts are a thousandth of milliampere-hours. An amount
+// that no battery has is not multiplied beyond what a number can hold; it is too large for its word in any case.
+std::int64_t ThousandfoldBy(std::int64_t amount, std::int64_t divisor) {
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 2000;
+  return DivideRounded(std::clamp(amount, -kMost, kMost) * 1000, divisor);
+}
+
+bool IsPositive(const std::optional<std::int64_t>& number) {
+  return number.has_value() && *number > 0;
+}
+
+std::optional<std::int64_t> MilliampereHours(const SystemBattery& battery,
+                                             const std::optional<BatteryCapacity>& capacity) {
+  if (!capacity.has_value() || capacity->unit == CapacityUnit::MilliampereHours) {
+    return capacity.has_value() ? std::optional(capacity->amount) : std::nullopt;
+  }
+  return IsPositive(battery.designVoltage) ? std::optional(ThousandfoldBy(capacity->amount, *battery.designVoltage))
+                                           : std::nullopt;
+}
+
+std::optional<std::int64_t> ToldCurrent(const SystemBattery& battery) {
+  if (battery.current.has_value() || !battery.power.has_value() || !IsPositive(battery.voltage)) {
+    return battery.current;
+  }
+  return ThousandfoldBy(*battery.power, *battery.voltage);
+}
+
+std::optional<std::int64_t> Current(const SystemBattery& battery) {
+  const std::optional<std::int64_t> told = ToldCurrent(battery);
+  if (!told.has_value() || *told == std::numeric_limits<std::int64_t>::min()) {
+    return told;
+  }
+  if (battery.state == ChargeState::Discharging) {
+    return -std::abs(*told);
+  }
+  return battery.state == ChargeState::Charging ? std::abs(*told) : *told;
+}
+
+bool IsZero(const std::optional<BatteryCapacity>& capacity) {
+  return capacity.has_value() && capacity->amount == 0;
+}
+
+unsigned int StatusWord(const SystemBattery& battery) {
+  const bool isInitialized = battery.fullChargeCapacity.has_value() && battery.fullChargeCapacity->amount > 0;
+  unsigned int word = isInitialized ? kInitialized : 0;
+  word |= battery.state == ChargeState::Discharging ? kDischarging : 0;
+  word |= battery.state == ChargeState::Full ? kFullyCharged : 0;
+  word |= isInitialized && IsZero(battery.remainingCapacity) ? kFullyDischarged : 0;
+  return word;
+}
+
+// The length of the longest start of `text` that fits into `width` bytes and does not end within a UTF-8 character.
+// Bytes that are no UTF-8 are cut where the field ends.
+std::size_t CutLength(std::string_view text, std::size_t width) {
+  const auto continues = [&](std::size_t position) {
+    return (static_cast<unsigned char>(text[position]) & 0xC0U) == 0x80U;
+  };
+  if (text.size() <= width) {
+    return text.size();
+  }
+  constexpr std::size_t kMostContinuations = 3;
+  std::size_t length = width;
+  while (length > 0 && width - length < kMostContinuations && continues(length)) {
+    --length;
+  }
+  const bool startsCharacter = (static_cast<unsigned char>(text[length]) & 0xC0U) == 0xC0U;
+  return length < width && startsCharacter ? length : width;
+}
+
+// Lays fields into a block and keeps what did not fit.
+class BlockWriter {
+ public:
+  void Store(Field field, std::uint16_t word) {
+    filled_.block[field.offset] = static_cast<unsigned char>(word & 0xFFU);
+    filled_.block[field.offset + 1] = static_cast<unsigned char>(word >> 8U);
+  }
+
+  void Number(Field field, const char* name, const std::optional<std::int64_t>& number) {
+    Clamped(field, name, number, 0, kLargestWord);
+  }
+
+  void SignedNumber(Field field, const char* name, const std::optional<std::int64_t>& number) {
+    Clamped(field, name, number, kSmallestSignedWord, kLargestSignedWord);
+  }
+
+  void Text(Field field, const char* name, const std::string& text) {
+    const std::size_t length = CutLength(text, field.width);
+    std::copy_n(text.begin(), length, filled_.block.begin() + static_cast<std::ptrdiff_t>(field.offset));
+    if (length < text.size()) {
+      Complain(std::string("the ") + name + " \"" + text + "\" is cut to its first " + std::to_string(length) +
+               " bytes; its field has " + std::to_string(field.width));
+    }
+  }
+
+  // The packed word: day of the month in bits 0 to 4, month in 5 to 8, years since 1980 in 9 to 15.
+  void Date(Field field, const std::optional<BatteryDate>& date) {
+    constexpr int kFirstYear = 1980;
+    constexpr int kLastYear = kFirstYear + 127;
+    if (!date.has_value()) {
+      return;
+    }
+    if (date->year < kFirstYear || date->year > kLastYear || date->month < 1 || date->month > 12 || date->day < 1 ||
+        date->day > 31) {
+      Complain("the manufacture date " + std::to_string(date->year) + "-" + std::to_string(date->month) + "-" +
+               std::to_string(date->day) + " is none that a battery can tell, and is left out");
+      return;
+    }
+    Store(field, static_cast<std::uint16_t>(((date->year - kFirstYear) << 9) | (date->month << 5) | date->day));
+  }
+
+  FilledBlock Take() { return std::move(filled_); }
+
+ private:
+  void Clamped(Field field, const char* name, const std::optional<std::int64_t>& number, std::int64_t smallest,
+               std::int64_t largest) {
+    const std::int64_t stored = std::clamp(number.value_or(0), smallest, largest);
+    Store(field, static_cast<std::uint16_t>(stored & kLargestWord));
+    if (number.has_value() && stored != *number) {
+      Complain(std::string("the ") + name + " " + std::to_string(*number) + " does not fit: " + std::to_string(stored) +
+               " stands for it");
+    }
+  }
+
+  void Complain(std::string complaint) { filled_.complaints.push_back(std::move(complaint)); }
+
+  FilledBlock filled_;
+};
+
+}  // namespace
+
+FilledBlock FillBatteryBlock(const SystemBattery& battery) {
+  BlockWriter writer;
+  writer.Number(layout::kDesignCapacity, "design capacity", MilliampereHours(battery, battery.designCapacity));
+  writer.Number(layout::kFullChargeCapacity, "full charge capacity",
+                MilliampereHours(battery, battery.fullChargeCapacity));
+  writer.Number(layout::kRemainingCapacity, "remaining capacity", MilliampereHours(battery, battery.remainingCapacity));
+  writer.Number(layout::kCycleCount, "cycle count", battery.cycleCount);
+  writer.Number(layout::kTemperature, "temperature", battery.temperature);
+  writer.Number(layout::kVoltage, "voltage", battery.voltage);
+  writer.SignedNumber(layout::kCurrent, "current", Current(battery));
+  writer.Number(layout::kDesignVoltage, "design voltage", battery.designVoltage);
+  writer.Store(layout::kBatteryStatus, static_cast<std::uint16_t>(StatusWord(battery)));
+  writer.Text(layout::kSerialNumber, "serial number", battery.serialNumber);
+  writer.Text(layout::kManufacturer, "manufacturer", battery.manufacturer);
+  writer.Text(layout::kDeviceName, "device name", battery.deviceName);
+  writer.Date(layout::kManufactureDate, battery.manufactureDate);
+  return writer.Take();
+}
+
+std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
+                               std::uint32_t* returnCode,
+                               const std::function<std::optional<SystemBattery>(std::uint32_t slot)>& read) {
+  constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);  // E_INVALIDARG
+  constexpr std::uint32_t kBatteryInformation = 7;
+  constexpr std::uint32_t kNotSupported = 4;
+  constexpr std::uint32_t kNoBatteryInSlot = 6;
+  if (input == nullptr || inputSize == 0 || output == nullptr || returnCode == nullptr) {
+    return kInvalidArgument;
+  }
+  if (first != 1 || second != kBatteryInformation || third != 1) {
+    *returnCode = kNotSupported;
+    return 0;
+  }
+  const std::optional<SystemBattery> battery = read(*input);
+  if (!battery.has_value()) {
+    *returnCode = kNoBatteryInSlot;
+    return 0;
+  }
+  const FilledBlock filled = FillBatteryBlock(*battery);
+  std::copy(filled.block.begin(), filled.block.end(), output);
+  *returnCode = 0;
+  for (const std::string& complaint : filled.complaints) {
+    Remark("Battery index " + std::to_string(*input) + ": " + complaint);
+  }
+  return 0;
+}
+
+}  // namespace norv::platform
