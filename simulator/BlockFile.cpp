@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <span>
 #include <string_view>
 
@@ -202,13 +203,17 @@ SlotDescription ReadSlot(const JsonNode& slot) {
     return description;
   }
   slot.ExpectKeys({"battery", "batteryReturnCode", "batteryChannelStatus", "cellSwell", "cellSwellReturnCode",
-                   "cellSwellChannelStatus"});
+                   "cellSwellChannelStatus", "driverStateOfCharge"});
   if (const auto battery = slot.Member("battery")) {
     description.battery = {0, 0, ReadBattery(*battery)};
     description.cellSwell.returnCode = kNotSupported;
   }
   if (const auto cellSwell = slot.Member("cellSwell")) {
     description.cellSwell = {0, 0, ReadCellSwell(*cellSwell)};
+  }
+  if (const auto percent = slot.Member("driverStateOfCharge")) {
+    constexpr std::int64_t kLargest = std::numeric_limits<std::uint32_t>::max();
+    description.driverStateOfCharge = static_cast<std::uint32_t>(percent->WholeNumber(0, kLargest));
   }
   ReadFailures(slot, "batteryReturnCode", "batteryChannelStatus", description.battery);
   ReadFailures(slot, "cellSwellReturnCode", "cellSwellChannelStatus", description.cellSwell);

@@ -32,6 +32,7 @@ inline constexpr std::uint32_t kNoCellSwellBattery = 52;  // the cell swell prot
 struct SlotDescription {
   BlockAnswer battery{0, kNoBattery, {}};
   BlockAnswer cellSwell{0, kNoCellSwellBattery, {}};
+  std::optional<std::uint32_t> driverStateOfCharge;  // percent
 };
 
 // A property that cannot be read.
@@ -66,6 +67,7 @@ struct ProgramDataDescription {
 
 struct MachineDescription {
   std::string description;
+  std::string source;  // of the batteries, in a few words; empty where the file does not tell
   std::array<SlotDescription, 2> slots;
   std::map<std::string, NamespaceDescription> namespaces;  // by NamespaceKey
   std::optional<TestProgramDescription> testProgram;

@@ -23,7 +23,7 @@ constexpr std::size_t kLongestMessage = 65535;
 constexpr std::int64_t kLongestRun = 3600000;  // milliseconds: an hour
 constexpr std::int64_t kLargestOffset = 840;   // minutes: no zone is further from UTC
 
-std::string ReadDescription(const JsonNode& node) {
+std::string ReadLine(const JsonNode& node) {
   const std::string& text = node.Text();
   if (text.empty() || text.find_first_of("\r\n") != std::string::npos) {
     node.FailExpecting("one line of text that is not empty");
@@ -207,13 +207,16 @@ void ReadSurroundings(const JsonNode& root, MachineDescription& machine) {
 MachineDescription ReadMachine(const std::string& text, const std::string& file) {
   const nlohmann::json json = ParseJson(text, file);
   const JsonNode root(json, file);
-  root.ExpectKeys({"$schema", "description", "slots", "wmi", "testProgram", "programData", "systemMessages",
+  root.ExpectKeys({"$schema", "description", "source", "slots", "wmi", "testProgram", "programData", "systemMessages",
                    "modulePath", "clock", "faults"});
   if (const auto schema = root.Member("$schema")) {
     schema->Text();
   }
   MachineDescription machine;
-  machine.description = ReadDescription(root.RequiredMember("description", "one line of text"));
+  machine.description = ReadLine(root.RequiredMember("description", "one line of text"));
+  if (const auto source = root.Member("source")) {
+    machine.source = ReadLine(*source);
+  }
   if (const auto slots = root.Member("slots")) {
     ReadSlots(*slots, machine);
   }

@@ -189,4 +189,12 @@ std::time_t SimulatedPlatform::LocalTimeValue(const std::tm& calendarTime) {
   return seconds < 0 ? std::time_t{-1} : std::time_t{seconds};
 }
 
+std::string SimulatedPlatform::BatterySource() {
+  return machine_->source;
+}
+
+std::optional<std::uint32_t> SimulatedPlatform::DriverStateOfCharge(std::uint32_t slot) {
+  return slot < machine_->slots.size() ? machine_->slots[slot].driverStateOfCharge : std::nullopt;
+}
+
 }  // namespace norv::simulator

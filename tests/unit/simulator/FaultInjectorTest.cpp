@@ -197,6 +197,20 @@ TEST_F(FaultInjectorTest, NamesFoldersAndTimesCanBeUnknown) {
   EXPECT_GT(injector.LocalTimeValue(time), 0);
 }
 
+TEST(FaultyBatteries, TellNothingOfTheirSource) {
+  const auto machine =
+      MachineWith(R"("source": "here", "slots": [{"driverStateOfCharge": 1}, {"driverStateOfCharge": 2}])");
+  FaultInjector none(machine->AsPlatform(), {});
+  EXPECT_EQ(none.BatterySource(), "here");
+  EXPECT_EQ(none.DriverStateOfCharge(0), 1U);
+  FaultInjector injector(machine->AsPlatform(),
+                         {MakeFault("BatterySource", FaultEffect::Fails),
+                          MakeFault("DriverStateOfCharge", FaultEffect::Fails, 0, std::nullopt, "1")});
+  EXPECT_EQ(injector.BatterySource(), "");
+  EXPECT_EQ(injector.DriverStateOfCharge(0), 1U);
+  EXPECT_EQ(injector.DriverStateOfCharge(1), std::nullopt);
+}
+
 TEST_F(FaultInjectorTest, EveryKindOfExceptionIsThrown) {
   using enum FaultEffect;
   unsigned call = 0;

@@ -96,6 +96,18 @@ TEST(SimulatedProgram, TakesItsTime) {
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
 }
 
+TEST(SimulatedBatteries, TellWhereTheyWereRead) {
+  const auto machine = MachineWith(R"("source": "the system's battery driver", "slots": [
+      {"battery": {}, "driverStateOfCharge": 57}, {"driverStateOfCharge": 4294967295}])");
+  EXPECT_EQ(machine->AsPlatform().BatterySource(), "the system's battery driver");
+  EXPECT_EQ(machine->AsPlatform().DriverStateOfCharge(0), 57U);
+  EXPECT_EQ(machine->AsPlatform().DriverStateOfCharge(1), 4294967295U);
+  EXPECT_EQ(machine->AsPlatform().DriverStateOfCharge(2), std::nullopt);
+  const auto other = MachineWith(R"("slots": [{"battery": {}}])");
+  EXPECT_EQ(other->AsPlatform().BatterySource(), "");
+  EXPECT_EQ(other->AsPlatform().DriverStateOfCharge(0), std::nullopt);
+}
+
 TEST(SimulatedProgramData, IsAFolderOfTheMachinesOwn) {
   std::string folder;
   std::string other;
