@@ -11,6 +11,8 @@
 #include <string>
 
 #include "../SystemPlatform.h"
+#include "../system-battery/SystemBattery.h"
+#include "PowerSupply.h"
 #include "RunProgram.h"
 #include "SystemCodes.h"
 
@@ -18,7 +20,6 @@ namespace norv::platform {
 
 namespace {
 
-constexpr std::uint32_t kNoBatteryInSlot = 6;
 constexpr auto kClassNotRegistered = static_cast<std::int32_t>(0x80040154U);  // REGDB_E_CLASSNOTREG
 
 // Why the last operation of this thread failed. errno is 0 beside it: a later failure of the C library shows there.
@@ -66,15 +67,18 @@ std::filesystem::path ModulePath() {
   return failure ? std::filesystem::path() : path;
 }
 
-// Linux, for development, tests and offline work: no WMI, no BIOS that knows the commands, and Windows' numbers for
+std::optional<SystemBattery> ReadBattery(std::uint32_t slot) {
+  return posix::PowerSupply(posix::kPowerSupplyFolder).Read(slot);
+}
+
+// Linux: no WMI and no BIOS that knows the commands, but batteries that the kernel knows, and Windows' numbers for
 // everything that fails.
 class PosixPlatform : public Platform {
  public:
-  std::int32_t SendBiosCommand(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
-                               const unsigned char* /*input*/, std::uint32_t /*inputSize*/, unsigned char* /*output*/,
+  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
                                std::uint32_t* returnCode) override {
-    *returnCode = kNoBatteryInSlot;
-    return 0;
+    return AnswerBiosCommand(first, second, third, input, inputSize, output, returnCode, ReadBattery);
   }
 
   long ConnectWmi(const std::wstring& /*namespacePath*/, std::unique_ptr<WmiConnection>& /*connection*/) override {
@@ -145,6 +149,13 @@ class PosixPlatform : public Platform {
   std::time_t LocalTimeValue(const std::tm& calendarTime) override {
     std::tm normalised = calendarTime;
     return std::mktime(&normalised);
+  }
+
+  std::string BatterySource() override { return kSystemBatterySource; }
+
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override {
+    const std::optional<SystemBattery> battery = ReadBattery(slot);
+    return battery.has_value() ? battery->stateOfCharge : std::nullopt;
   }
 };
 

@@ -15,6 +15,8 @@ static int Fail(const char* what) {
 }
 
 int main() {
+  // A notebook has batteries of its own.
+  const bool hasBattery = NorvBatteries().Query(0) != nullptr;
   {
     auto machine = SimulatedMachine::FromSample("two-batteries");
     NorvBatteries batteries;
@@ -29,5 +31,5 @@ int main() {
     }
   }
   NorvBatteries batteries;
-  return batteries.Query(0) == nullptr ? 0 : Fail("the running machine is not back in place");
+  return (batteries.Query(0) != nullptr) == hasBattery ? 0 : Fail("the running machine is not back in place");
 }

@@ -1,0 +1,309 @@
+// The kernel's power supply class as Linux shows it, read from folders made for the purpose.
+#include "posix/PowerSupply.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "norv/platform/PowerSupplyPlatform.h"
+
+namespace norv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::CapacityUnit;
+using platform::ChargeState;
+using platform::Platform;
+using platform::PowerSupplyPlatform;
+using platform::SystemBattery;
+using platform::posix::PowerSupply;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Attributes = std::map<std::string, std::string>;
+
+class PowerSupplyFolder : public testing::Test {
+ protected:
+  PowerSupplyFolder() {
+    std::string pattern = (fs::temp_directory_path() / "norv-battery-XXXXXX").string();
+    folder_ = ::mkdtemp(pattern.data());
+  }
+  ~PowerSupplyFolder() override { fs::remove_all(folder_); }
+
+  void Write(const std::string& supply, const Attributes& attributes) const {
+    fs::create_directories(folder_ / supply);
+    for (const auto& [name, value] : attributes) {
+      std::ofstream(folder_ / supply / name) << value << '\n';
+    }
+  }
+
+  void WriteBattery(const std::string& supply, Attributes attributes = {}) const {
+    attributes.emplace("type", "Battery");
+    attributes.emplace("model_name", supply);
+    Write(supply, attributes);
+  }
+
+  std::optional<SystemBattery> Read(std::uint32_t slot = 0) const { return PowerSupply(folder_.string()).Read(slot); }
+
+  // The batteries by their names, in the order of the slots.
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (std::uint32_t slot = 0; const auto battery = Read(slot); ++slot) {
+      names.push_back(battery->deviceName);
+    }
+    return names;
+  }
+
+  // What slot 0 reads while the functions answer the reads of one attribute of BAT0 one after another; the last answer
+  // stays. A pipe for each answer: to open it waits for the reader, and by then the next one lies in its place.
+  std::optional<SystemBattery> ReadWhile(const std::string& attribute,
+                                         const std::vector<std::function<std::string()>>& answers) const {
+    const fs::path path = folder_ / "BAT0" / attribute;
+    const fs::path next = folder_ / "next";
+    fs::remove(path);
+    EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    std::atomic<bool> done = false;
+    std::thread writer([&] {
+      for (std::size_t index = 0; index < answers.size(); ++index) {
+        std::ofstream pipe(path);
+        const std::string answer = answers[index]();
+        if (index + 1 < answers.size()) {
+          EXPECT_EQ(::mkfifo(next.c_str(), 0600), 0);
+        } else {
+          std::ofstream(next) << answer;
+        }
+        std::error_code gone;  // with its folder, perhaps
+        fs::rename(next, path, gone);
+        pipe << answer;
+      }
+      done = true;
+    });
+    const auto battery = Read();
+    while (!done) {  // answers that nobody asked for
+      std::ifstream(path).get();
+    }
+    writer.join();
+    return battery;
+  }
+
+  fs::path folder_;
+};
+
+TEST_F(PowerSupplyFolder, MayBeMissingOrEmpty) {
+  EXPECT_THAT(Names(), IsEmpty());
+  fs::remove(folder_);
+  EXPECT_THAT(Names(), IsEmpty());
+  std::ofstream(folder_) << "no folder";
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(PowerSupplyFolder, GivesBatteriesInTheNaturalOrderOfTheirNames) {
+  for (const char* name : {"BAT10", "BAT2", "CMB0", "BAT02", "BAT1", "BAT", "BATC", "BAT1x"}) {
+    WriteBattery(name);
+  }
+  EXPECT_THAT(Names(), ElementsAre("BAT", "BAT1", "BAT1x", "BAT2", "BAT02", "BAT10", "BATC", "CMB0"));
+}
+
+TEST_F(PowerSupplyFolder, GivesOnlyBatteriesThatPowerTheSystem) {
+  Write("AC", {{"type", "Mains"}, {"online", "1"}});
+  Write("ups", {{"type", "UPS"}, {"model_name", "UPS"}});
+  WriteBattery("BAT0", {{"present", "0"}});
+  WriteBattery("BAT1", {{"present", "1"}});
+  WriteBattery("BAT2", {{"scope", "System"}});
+  WriteBattery("mouse", {{"scope", "Device"}, {"present", "1"}});
+  Write("nothing", {});
+  std::ofstream(folder_ / "file") << "Battery\n";
+  EXPECT_THAT(Names(), ElementsAre("BAT1", "BAT2"));
+}
+
+TEST_F(PowerSupplyFolder, TellsNothingOfABatteryWithoutAttributes) {
+  Write("BAT0", {{"type", "Battery"}});
+  const auto battery = Read();
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_FALSE(battery->designCapacity || battery->fullChargeCapacity || battery->remainingCapacity);
+  EXPECT_FALSE(battery->cycleCount || battery->temperature || battery->voltage || battery->designVoltage);
+  EXPECT_FALSE(battery->current || battery->power || battery->state || battery->manufactureDate);
+  EXPECT_FALSE(battery->stateOfCharge);
+  EXPECT_EQ(battery->serialNumber + battery->manufacturer + battery->deviceName, "");
+}
+
+TEST_F(PowerSupplyFolder, TellsEveryAttributeInItsUnit) {
+  WriteBattery("BAT0", {{"charge_full_design", "4545499"},
+                        {"charge_full", "4397500"},
+                        {"charge_now", "4310000"},
+                        {"cycle_count", "87"},
+                        {"temp", "249"},
+                        {"voltage_now", "12714000"},
+                        {"voltage_min_design", "11550000"},
+                        {"voltage_max_design", "13200000"},
+                        {"current_now", "-949500"},
+                        {"power_now", "-12072499"},
+                        {"status", "Discharging"},
+                        {"capacity", "98"},
+                        {"manufacture_year", "2022"},
+                        {"manufacture_month", "9"},
+                        {"manufacture_day", "12"},
+                        {"serial_number", " 4711 "},
+                        {"manufacturer", "Quell"},
+                        {"model_name", "QB 3"}});
+  const auto battery = Read();
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_EQ(battery->designCapacity->amount, 4545);
+  EXPECT_EQ(battery->fullChargeCapacity->amount, 4398);
+  EXPECT_EQ(battery->remainingCapacity->amount, 4310);
+  EXPECT_EQ(battery->remainingCapacity->unit, CapacityUnit::MilliampereHours);
+  EXPECT_EQ(battery->cycleCount, 87);
+  EXPECT_EQ(battery->temperature, 2981);
+  EXPECT_EQ(battery->voltage, 12714);
+  EXPECT_EQ(battery->designVoltage, 11550);
+  EXPECT_EQ(battery->current, -950);
+  EXPECT_EQ(battery->power, -12072);
+  EXPECT_EQ(battery->state, ChargeState::Discharging);
+  EXPECT_EQ(battery->stateOfCharge, 98U);
+  ASSERT_TRUE(battery->manufactureDate.has_value());
+  EXPECT_EQ(battery->manufactureDate->year, 2022);
+  EXPECT_EQ(battery->manufactureDate->month, 9);
+  EXPECT_EQ(battery->manufactureDate->day, 12);
+  EXPECT_EQ(battery->serialNumber, "4711");
+  EXPECT_EQ(battery->manufacturer, "Quell");
+  EXPECT_EQ(battery->deviceName, "QB 3");
+}
+
+TEST_F(PowerSupplyFolder, TakesEnergyWhereThereIsNoCharge) {
+  WriteBattery("BAT0", {{"energy_full_design", "50000000"}, {"energy_full", "47500500"}, {"charge_full", "4000000"}});
+  const auto battery = Read();
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_EQ(battery->designCapacity->amount, 50000);
+  EXPECT_EQ(battery->designCapacity->unit, CapacityUnit::MilliwattHours);
+  EXPECT_EQ(battery->fullChargeCapacity->amount, 4000);
+  EXPECT_EQ(battery->fullChargeCapacity->unit, CapacityUnit::MilliampereHours);
+  EXPECT_FALSE(battery->remainingCapacity.has_value());
+}
+
+TEST_F(PowerSupplyFolder, KnowsTheStates) {
+  const std::map<std::string, std::optional<ChargeState>> states{
+      {"Charging", ChargeState::Charging}, {"Discharging", ChargeState::Discharging},
+      {"Full", ChargeState::Full},         {"Not charging", ChargeState::NotCharging},
+      {"Unknown", std::nullopt},           {"", std::nullopt}};
+  for (const auto& [status, state] : states) {
+    WriteBattery("BAT0", {{"status", status}});
+    EXPECT_EQ(Read()->state, state) << status;
+  }
+}
+
+TEST_F(PowerSupplyFolder, TakesNoNumberThatIsNotWhole) {
+  for (const char* text : {"", "x", "12x", "1.5", "0x10", "9223372036854775808", "--1"}) {
+    WriteBattery("BAT0", {{"cycle_count", text}, {"voltage_now", text}, {"capacity", text}});
+    EXPECT_FALSE(Read()->cycleCount.has_value()) << text;
+    EXPECT_FALSE(Read()->voltage.has_value()) << text;
+    EXPECT_FALSE(Read()->stateOfCharge.has_value()) << text;
+  }
+  WriteBattery("BAT0", {{"capacity", "-1"}, {"temp", "9223372036854775807"}});
+  EXPECT_FALSE(Read()->stateOfCharge.has_value());
+  EXPECT_EQ(Read()->temperature, 9223372036854775807);
+  WriteBattery("BAT0", {{"capacity", "4294967296"}, {"temp", "-2732"}});
+  EXPECT_FALSE(Read()->stateOfCharge.has_value());
+  EXPECT_EQ(Read()->temperature, 0);
+}
+
+TEST_F(PowerSupplyFolder, TakesTheYear0ForADateThatIsNotKnown) {
+  WriteBattery("BAT0", {{"manufacture_year", "0"}, {"manufacture_month", "1"}, {"manufacture_day", "1"}});
+  EXPECT_FALSE(Read()->manufactureDate.has_value());
+  WriteBattery("BAT0", {{"manufacture_year", "2020"}, {"manufacture_month", "9999999999"}, {"manufacture_day", "-7"}});
+  EXPECT_EQ(Read()->manufactureDate->month, 9999);
+  EXPECT_EQ(Read()->manufactureDate->day, -1);
+}
+
+TEST_F(PowerSupplyFolder, AnAttributeThatCannotBeReadIsNotKnown) {
+  WriteBattery("BAT0", {{"cycle_count", "5"}, {"serial_number", "7"}});
+  fs::create_directory(folder_ / "BAT0" / "voltage_now");
+  fs::create_symlink("/proc/self/mem", folder_ / "BAT0" / "capacity");  // an I/O error
+  fs::create_symlink("nowhere", folder_ / "BAT0" / "manufacturer");
+  std::ofstream(folder_ / "BAT0" / "temp") << std::string(5000, '1');
+  const auto battery = Read();
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_FALSE(battery->voltage || battery->stateOfCharge || battery->temperature);
+  EXPECT_EQ(battery->manufacturer, "");
+  EXPECT_EQ(battery->serialNumber, "7");
+  EXPECT_EQ(battery->cycleCount, 5);
+}
+
+TEST_F(PowerSupplyFolder, ReadsAgainWhereTheStateChangedMeanwhile) {
+  WriteBattery("BAT0", {{"current_now", "1500000"}});
+  const auto text = [](const char* status) { return [status] { return std::string(status); }; };
+  const auto battery =
+      ReadWhile("status", {text("Discharging\n"), text("Charging\n"), text("Charging\n"), text("Charging\n")});
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_EQ(battery->state, ChargeState::Charging);
+}
+
+TEST_F(PowerSupplyFolder, ABatteryThatIsExchangedMeanwhileIsReadAgain) {
+  WriteBattery("BAT0", {{"serial_number", "1"}, {"charge_full", "1000000"}, {"charge_now", "1000000"}});
+  const auto exchange = [this] {
+    Write("BAT0", {{"serial_number", "2"}, {"charge_full", "2000000"}});
+    return std::string("500000\n");
+  };
+  const auto battery = ReadWhile("charge_now", {exchange, [] { return std::string("2000000\n"); }});
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_EQ(battery->serialNumber, "2");
+  EXPECT_EQ(battery->fullChargeCapacity->amount, 2000);
+  EXPECT_EQ(battery->remainingCapacity->amount, 2000);
+}
+
+TEST_F(PowerSupplyFolder, ABatteryThatGoesWhileItIsReadIsNone) {
+  WriteBattery("BAT0", {{"cycle_count", "1"}});
+  EXPECT_FALSE(ReadWhile("voltage_now", {[this] {
+                           fs::remove_all(folder_ / "BAT0");
+                           return std::string("12000000\n");
+                         }})
+                   .has_value());
+  WriteBattery("BAT0", {{"present", "1"}});
+  EXPECT_FALSE(ReadWhile("voltage_now", {[this] {
+                           Write("BAT0", {{"present", "0"}});
+                           return std::string("0\n");
+                         }})
+                   .has_value());
+}
+
+TEST_F(PowerSupplyFolder, ABatteryThatNeverRestsIsNone) {
+  WriteBattery("BAT0");
+  int count = 0;
+  const auto another = [&count] { return std::to_string(++count) + "\n"; };
+  EXPECT_FALSE(ReadWhile("serial_number", std::vector<std::function<std::string()>>(10, another)).has_value());
+  EXPECT_EQ(count, 10) << "five attempts";
+}
+
+TEST_F(PowerSupplyFolder, StandsBehindAPlatform) {
+  WriteBattery("BAT0", {{"capacity", "77"}, {"cycle_count", "300"}});
+  WriteBattery("BAT1");
+  PowerSupplyPlatform machine(Platform::Current(), folder_.string());
+  std::array<unsigned char, 128> input{};
+  std::array<unsigned char, 128> output{};
+  std::uint32_t returnCode = 99;
+  EXPECT_EQ(machine.SendBiosCommand(1, 7, 1, input.data(), 128, output.data(), &returnCode), 0);
+  EXPECT_EQ(returnCode, 0U);
+  EXPECT_EQ(output[8] + 256 * output[9], 300);
+  EXPECT_EQ(std::string(output.begin() + 0x4F, output.begin() + 0x53), "BAT0");
+  EXPECT_EQ(machine.BatterySource(), "the system's battery driver");
+  EXPECT_EQ(machine.DriverStateOfCharge(0), 77U);
+  EXPECT_EQ(machine.DriverStateOfCharge(1), std::nullopt) << "its driver gives none";
+  EXPECT_EQ(machine.DriverStateOfCharge(2), std::nullopt) << "no battery";
+}
+
+}  // namespace
+}  // namespace norv::test
