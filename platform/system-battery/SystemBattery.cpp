@@ -44,13 +44,29 @@ bool IsPositive(const std::optional<std::int64_t>& number) {
   return number.has_value() && *number > 0;
 }
 
+// What relates the energy of a battery to its charge: the design voltage, otherwise the voltage of the moment.
+std::optional<std::int64_t> EnergyVoltage(const SystemBattery& battery) {
+  return IsPositive(battery.designVoltage) ? battery.designVoltage : battery.voltage;
+}
+
 std::optional<std::int64_t> MilliampereHours(const SystemBattery& battery,
                                              const std::optional<BatteryCapacity>& capacity) {
   if (!capacity.has_value() || capacity->unit == CapacityUnit::MilliampereHours) {
     return capacity.has_value() ? std::optional(capacity->amount) : std::nullopt;
   }
-  return IsPositive(battery.designVoltage) ? std::optional(ThousandfoldBy(capacity->amount, *battery.designVoltage))
-                                           : std::nullopt;
+  const std::optional<std::int64_t> voltage = EnergyVoltage(battery);
+  return IsPositive(voltage) ? std::optional(ThousandfoldBy(capacity->amount, *voltage)) : std::nullopt;
+}
+
+bool IsEnergy(const std::optional<BatteryCapacity>& capacity) {
+  return capacity.has_value() && capacity->unit == CapacityUnit::MilliwattHours;
+}
+
+// Capacities that another moment, with another voltage, would have given otherwise.
+bool AreCapacitiesOfTheMoment(const SystemBattery& battery) {
+  return !IsPositive(battery.designVoltage) && IsPositive(battery.voltage) &&
+         (IsEnergy(battery.designCapacity) || IsEnergy(battery.fullChargeCapacity) ||
+          IsEnergy(battery.remainingCapacity));
 }
 
 std::optional<std::int64_t> ToldCurrent(const SystemBattery& battery) {
@@ -143,6 +159,8 @@ class BlockWriter {
     Store(field, static_cast<std::uint16_t>(((date->year - kFirstYear) << 9) | (date->month << 5) | date->day));
   }
 
+  void Complain(std::string complaint) { filled_.complaints.push_back(std::move(complaint)); }
+
   FilledBlock Take() { return std::move(filled_); }
 
  private:
@@ -155,8 +173,6 @@ class BlockWriter {
                " stands for it");
     }
   }
-
-  void Complain(std::string complaint) { filled_.complaints.push_back(std::move(complaint)); }
 
   FilledBlock filled_;
 };
@@ -179,6 +195,11 @@ FilledBlock FillBatteryBlock(const SystemBattery& battery) {
   writer.Text(layout::kManufacturer, "manufacturer", battery.manufacturer);
   writer.Text(layout::kDeviceName, "device name", battery.deviceName);
   writer.Date(layout::kManufactureDate, battery.manufactureDate);
+  if (AreCapacitiesOfTheMoment(battery)) {
+    writer.Complain(
+        "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, " +
+        std::to_string(*battery.voltage) + " mV");
+  }
   return writer.Take();
 }
 

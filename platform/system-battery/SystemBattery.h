@@ -59,16 +59,15 @@ struct FilledBlock {
 // The battery-information block in the units of the Smart Battery Data Specification. What is not known is 0 or an
 // empty text.
 //
-// - Capacities are mAh. Energy is divided by the design voltage, as the specification itself relates the two; without a
-//   design voltage the charge is not known.
+// - Capacities are mAh. Energy is divided by the design voltage, as the specification itself relates the two. Where the
+//   driver has none, the voltage of the moment stands in, which leaves the shares of the capacities in each other as
+//   they are; that is a complaint. Without any voltage the charge is not known.
 // - The current is mA in two's complement, negative for a battery that discharges. Where the driver tells a power only,
-// it
-//   is divided by the voltage of the moment. Drivers differ in the sign of what they tell, so that the state decides
+//   it is divided by the voltage of the moment. Drivers differ in the sign of what they tell, so that the state decides
 //   it: negative while the battery discharges, positive while it charges, and as told otherwise.
 // - Of the status word: "initialized" where the driver tells a full charge capacity that is not 0, which takes a fuel
-// gauge
-//   that knows its battery; "discharging" and "fully charged" by the state; "fully discharged" where the remaining
-//   capacity is 0 and the full charge capacity is not.
+//   gauge that knows its battery; "discharging" and "fully charged" by the state; "fully discharged" where the
+//   remaining capacity is 0 and the full charge capacity is not.
 // - A number that is too large for its word becomes the largest (or, negative, the smallest) that fits, a negative
 // number
 //   of a field that has no sign becomes 0. A text is cut to its field, between characters where it is UTF-8. Each of

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "../SystemPlatform.h"
+#include "../system-battery/SystemBattery.h"
+#include "BatteryDevices.h"
 #include "InvalidParameter.h"
 #include "OwnModule.h"
 #include "RunProgram.h"
@@ -15,8 +17,6 @@
 namespace norv::platform {
 
 namespace {
-
-constexpr std::uint32_t kNoBatteryInSlot = 6;
 
 // A copy of the process's own variable: the C runtimes of host and library may each hold theirs, taken at different
 // times. A value that grows between being measured and being read is measured anew.
@@ -34,12 +34,11 @@ std::optional<std::string> EnvironmentValue(const char* name) {
 class WindowsPlatform : public Platform {
  public:
   // The maker's command channel is a library of its own, which a build for the maker's machines puts in the place of
-  // norv-private-bios-wmi. Without it no battery can be asked for.
-  std::int32_t SendBiosCommand(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
-                               const unsigned char* /*input*/, std::uint32_t /*inputSize*/, unsigned char* /*output*/,
+  // norv-private-bios-wmi. Without it the system's own driver is asked.
+  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
                                std::uint32_t* returnCode) override {
-    *returnCode = kNoBatteryInSlot;
-    return 0;
+    return AnswerBiosCommand(first, second, third, input, inputSize, output, returnCode, windows::ReadBatteryDevice);
   }
 
   long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<WmiConnection>& connection) override {
@@ -76,6 +75,13 @@ class WindowsPlatform : public Platform {
   std::time_t LocalTimeValue(const std::tm& calendarTime) override {
     std::tm normalised = calendarTime;
     return std::mktime(&normalised);
+  }
+
+  std::string BatterySource() override { return kSystemBatterySource; }
+
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override {
+    const auto battery = windows::ReadBatteryDevice(slot);
+    return battery ? battery->stateOfCharge : std::nullopt;
   }
 };
 

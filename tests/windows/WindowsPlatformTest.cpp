@@ -12,6 +12,7 @@
 
 #include "battery/NorvBatteryCellSwellProtectionInfo.h"
 #include "norv/platform/Platform.h"
+#include "windows/BatteryDevices.h"
 #include "windows/LastErrorKeeper.h"
 
 namespace norv::test {
@@ -36,6 +37,26 @@ class WindowsPlatform : public testing::Test {
   Platform& platform_ = Platform::Current();
   fs::path folder_;
 };
+
+// Wine hands no battery of the machine on.
+TEST_F(WindowsPlatform, ListsItsBatteryDevicesAndFindsNone) {
+  for (const std::uint32_t slot : {0U, 1U, 7U}) {
+    EXPECT_FALSE(platform::windows::ReadBatteryDevice(slot));
+    EXPECT_EQ(platform_.DriverStateOfCharge(slot), std::nullopt);
+    std::array<unsigned char, 128> block{static_cast<unsigned char>(slot)};
+    std::uint32_t returnCode = 0;
+    EXPECT_EQ(platform_.SendBiosCommand(1, 7, 1, block.data(), 128, block.data(), &returnCode), 0);
+    EXPECT_EQ(returnCode, 6U);
+  }
+  EXPECT_EQ(platform_.BatterySource(), "the system's battery driver");
+}
+
+TEST_F(WindowsPlatform, HasNoCellSwellProtectionData) {
+  std::array<unsigned char, 128> block{};
+  std::uint32_t returnCode = 0;
+  EXPECT_EQ(platform_.SendBiosCommand(1, 86, 1, block.data(), 128, block.data(), &returnCode), 0);
+  EXPECT_EQ(returnCode, 4U);
+}
 
 TEST_F(WindowsPlatform, RunsAProgramToItsEnd) {
   SetEnvironmentVariableA("ProgramData", folder_.string().c_str());

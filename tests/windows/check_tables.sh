@@ -9,7 +9,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 readonly usage='usage: check_tables.sh OBJDUMP CXXFILT LIBRARY PROGRAM [--accept]'
 objdump=${1:?$usage} cxxfilt=${2:?$usage} library=${3:?$usage} program=${4:?$usage}
 golden=$here/exports.txt
-readonly kSystemLibraries='advapi32|kernel32|msvcrt|ole32|oleaut32|shell32|user32|version'
+readonly kSystemLibraries='advapi32|kernel32|msvcrt|ole32|oleaut32|setupapi|shell32|user32|version'
 
 status=0
 Complain() {

@@ -28,6 +28,7 @@ using platform::ChargeState;
 using platform::FillBatteryBlock;
 using platform::FilledBlock;
 using platform::SystemBattery;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -103,15 +104,38 @@ TEST(BatteryBlock, HasEveryFieldInItsPlace) {
 TEST(BatteryBlock, DividesEnergyByTheDesignVoltage) {
   SystemBattery battery;
   battery.designCapacity = Energy(50000);
-  EXPECT_EQ(WordAt(battery, 0), 0U) << "without a design voltage the charge is not known";
-  battery.voltage = 12600;
-  EXPECT_EQ(WordAt(battery, 0), 0U) << "the voltage of the moment is no design voltage";
-  battery.designVoltage = 0;
+  EXPECT_EQ(WordAt(battery, 0), 0U) << "without a voltage the charge is not known";
+  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+  battery.voltage = 0;
   EXPECT_EQ(WordAt(battery, 0), 0U);
+  battery.voltage = 12600;
   battery.designVoltage = 11400;
   EXPECT_EQ(WordAt(battery, 0), 4386U) << "50000 / 11.4 is 4385.96";
   battery.fullChargeCapacity = Charge(4000);
   EXPECT_EQ(WordAt(battery, 2), 4000U) << "each capacity has a unit of its own";
+  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+}
+
+TEST(BatteryBlock, DividesEnergyByTheVoltageOfTheMomentWhereItKnowsNoOther) {
+  const std::string complaint =
+      "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, 12600 mV";
+  for (const std::optional<std::int64_t> noDesignVoltage : {std::optional<std::int64_t>(), {0}, {-11400}}) {
+    for (const auto capacity :
+         {&SystemBattery::designCapacity, &SystemBattery::fullChargeCapacity, &SystemBattery::remainingCapacity}) {
+      SystemBattery battery;
+      battery.designVoltage = noDesignVoltage;
+      battery.voltage = 12600;
+      EXPECT_THAT(FillBatteryBlock(battery).complaints, Each(testing::Not(complaint))) << "nothing to be divided";
+      battery.*capacity = Charge(4000);
+      EXPECT_THAT(FillBatteryBlock(battery).complaints, Each(testing::Not(complaint)));
+      battery.*capacity = Energy(50000);
+      EXPECT_THAT(FillBatteryBlock(battery).complaints, testing::Contains(complaint));
+    }
+  }
+  SystemBattery battery;
+  battery.voltage = 12600;
+  battery.designCapacity = Energy(50000);
+  EXPECT_EQ(WordAt(battery, 0), 3968U) << "50000 / 12.6 is 3968.25";
 }
 
 TEST(BatteryBlock, TheStateDecidesTheSignOfTheCurrent) {
