@@ -17,7 +17,6 @@ using platform::BatteryClassAnswers;
 using platform::CapacityUnit;
 using platform::ChargeState;
 using platform::FillBatteryBlock;
-using platform::SystemBattery;
 using platform::TranslateBatteryClass;
 
 constexpr std::uint32_t kUnknown = 0xFFFFFFFFU;
