@@ -9,6 +9,7 @@
 #include "battery/NorvBatteryInfo.h"
 #include "norv/simulator/FaultInjector.h"
 #include "norv/simulator/SimulatedMachine.h"
+#include "record/OperatingSystemRates.h"
 #include "unit/support/TestBlock.h"
 
 namespace norv::test {
@@ -17,6 +18,7 @@ namespace {
 using shared::battery::NorvBatteryInfo;
 using simulator::Operation;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 struct Reading {
   unsigned int charge;
@@ -115,6 +117,17 @@ TEST(OperatingSystemRates, AreZeroWhenWmiThrows) {
                                  std::string(R"([{"operation": ")") + operation + R"(", "throws": "runtime_error"}])");
     EXPECT_EQ(reading.charge, 0U) << operation;
   }
+}
+
+TEST(OperatingSystemRates, AreLeftOutForAsLongAsThatLasts) {
+  const auto machine = simulator::SimulatedMachine::FromText(
+      R"({"description": "test", "wmi": {"\\\\.\\root\\wmi": {"BatteryStatus": [{"ChargeRate": 7}]}}})", "here");
+  {
+    const shared::battery::record::WithoutOperatingSystemRates offline;
+    EXPECT_EQ(NorvBatteryInfo(TestBlock().Data()).GetBatteryChargeRate(), 0U);
+    EXPECT_THAT(machine->Operations(), IsEmpty());
+  }
+  EXPECT_EQ(NorvBatteryInfo(TestBlock().Data()).GetBatteryChargeRate(), 7U);
 }
 
 TEST(OperatingSystemRates, LackOfMemoryIsNotHidden) {

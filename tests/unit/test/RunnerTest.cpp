@@ -176,6 +176,9 @@ TEST(Runner, CutsAPathThatIsTooLong) {
   EXPECT_EQ(ProgramPathFor(folder + "\\" + std::string(100, 'y') + "\\b.dll"), folder + "\\BatteryTest.exe");
   const std::string longFolder = "C:\\" + std::string(300, 'x');
   EXPECT_EQ(ProgramPathFor(longFolder + "\\b.dll"), "C:\\BatteryTest.exe");
+  const std::string justShortEnough = "C:\\" + std::string(255, 'x');
+  EXPECT_EQ(ProgramPathFor(justShortEnough + "\\b.dll"), justShortEnough + "\\BatteryTest.exe");
+  EXPECT_EQ(ProgramPathFor(justShortEnough + "x\\b.dll"), "C:\\BatteryTest.exe");
 }
 
 TEST(Runner, ReadsTheVersionThroughTheVirtualTable) {
