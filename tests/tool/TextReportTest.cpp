@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "ReportFixture.h"
@@ -38,6 +40,41 @@ Report WithSlots(bool first, bool second, std::optional<Failure> error) {
   }
   report.readError = std::move(error);
   return report;
+}
+
+// The line that a report has about the driver's own state of charge, if it has one.
+std::string DriverLine(std::optional<std::uint32_t> driver, float computed) {
+  Report report = WithSlots(true, false, std::nullopt);
+  report.batteries[0]->capacity.driverStateOfCharge = driver;
+  report.batteries[0]->capacity.remainingCapacityPercentage = computed;
+  const std::string text = TextReport(report);
+  const auto start = text.find("  Driver's state of charge        ");
+  return start == std::string::npos ? "none" : text.substr(start + 34, text.find('\n', start) - start - 34);
+}
+
+TEST(TextReport, NamesADriverThatDisagrees) {
+  const std::string disagrees = " %, by its own account; more than a point from the one above";
+  EXPECT_EQ(DriverLine(std::nullopt, 57.0F), "none");
+  EXPECT_EQ(DriverLine(57, 57.999F), "none");
+  EXPECT_EQ(DriverLine(57, 58.0F), "none");
+  EXPECT_EQ(DriverLine(57, 56.0F), "none");
+  EXPECT_EQ(DriverLine(57, 58.001F), "57" + disagrees);
+  EXPECT_EQ(DriverLine(57, 55.999F), "57" + disagrees);
+  EXPECT_EQ(DriverLine(4294967295, 0.0F), "4294967295" + disagrees);
+  EXPECT_EQ(DriverLine(57, kNotComputable), "57 %, by its own account; there is none to compare it with");
+}
+
+TEST(TextReport, SaysWhereItWasRead) {
+  Report report = WithSlots(true, false, std::nullopt);
+  report.source.channel = "the maker's BIOS channel";
+  EXPECT_THAT(TextReport(report), testing::StartsWith("Battery report of this machine\n"
+                                                      "Read from: the maker's BIOS channel\n\n"));
+  report.source = {"folder", "copied/\xC3\xA4", "", "a driver\n"};
+  EXPECT_THAT(TextReport(report), testing::StartsWith("Battery report of the power supply folder copied/\\xC3\\xA4\n"
+                                                      "Read from: a driver\\x0A\n\n"));
+  report.source = {"file", "x.json", "Words", "a machine file"};
+  EXPECT_THAT(TextReport(report), testing::StartsWith("Battery report of the simulated machine x.json\nWords\n"
+                                                      "Read from: a machine file\n\n"));
 }
 
 TEST(TextReport, EmptySecondSlotIsNoBattery) {

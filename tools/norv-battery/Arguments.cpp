@@ -5,6 +5,7 @@
 #include <memory>
 #include <sstream>
 
+#include "BatteryFolder.h"
 #include "Report.h"
 
 namespace norv::tool {
@@ -64,6 +65,14 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
 void DescribeReport(CLI::App& command, Arguments& arguments) {
   command.add_option("--machine", arguments.machine, "Read this machine: a sample's name, or a machine file")
       ->option_text("FILE-OR-SAMPLE");
+  if (HasBatteryFolders()) {
+    command
+        .add_option("--power-supply", arguments.folder,
+                    "Read the batteries in this folder, a copy of a notebook's /sys/class/power_supply")
+        ->option_text("FOLDER")
+        ->check(CLI::ExistingDirectory)
+        ->excludes("--machine");
+  }
   AddChoice(command, "--format", arguments.format, kFormats, "How to write the report", "text|json", "text");
   AddChoice(command, "--log-level", arguments.logSeverity, kLogSeverities,
             "What of the library's log to write to standard error", "none|error|info|verbose", "none");

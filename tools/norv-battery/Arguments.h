@@ -14,6 +14,7 @@ enum class Format { Text, Json };
 struct Arguments {
   Command command = Command::Report;
   std::optional<std::string> machine;  // a sample's name or a file; nothing for the running machine
+  std::optional<std::string> folder;   // of the power supply class, in the place of the running machine's
   Format format = Format::Text;
   unsigned int logSeverity = 0;  // a plog severity
   bool cellSwell = false;

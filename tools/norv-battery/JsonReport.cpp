@@ -54,6 +54,8 @@ Json CapacityJson(const Capacity& capacity) {
       {"temperature", capacity.temperature},
       {"chargeRate", capacity.chargeRate},
       {"dischargeRate", capacity.dischargeRate},
+      {"driverStateOfCharge", capacity.driverStateOfCharge ? Json(*capacity.driverStateOfCharge) : Json(nullptr)},
+      {"driverStateOfChargeDiffers", DriverDisagrees(capacity)},
   };
 }
 
@@ -146,7 +148,10 @@ std::string JsonReport(const Report& report) {
   const auto& lastError = report.test && report.test->collectionError ? report.test->collectionError : report.readError;
   const Json object = {
       {"source",
-       {{"kind", report.source.kind}, {"name", report.source.name}, {"description", report.source.description}}},
+       {{"kind", report.source.kind},
+        {"name", report.source.name},
+        {"description", report.source.description},
+        {"channel", report.source.channel}}},
       {"batteries", Json::array({BatteryJson(report.batteries[0]), BatteryJson(report.batteries[1])})},
       {"batteryTest", TestJson(report.test)},
       {"readError", FailureJson(report.readError)},

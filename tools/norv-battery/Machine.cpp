@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "BatteryFolder.h"
 #include "EscapeText.h"
 
 namespace norv::tool {
@@ -23,8 +24,8 @@ bool IsSample(const std::string& name) {
 }
 
 Machine Attach(const char* kind, const std::string& name, std::unique_ptr<SimulatedMachine> machine) {
-  Source source{kind, name, machine->Description()};
-  return {std::move(source), std::move(machine)};
+  Source source{kind, name, machine->Description(), ""};
+  return {std::move(source), std::move(machine), nullptr};
 }
 
 }  // namespace
@@ -45,6 +46,10 @@ Machine ChooseMachine(const std::optional<std::string>& name) {
                                       "' is neither a sample machine ('norv-battery machines' lists them) nor a file");
   }
   return Attach("file", *name, SimulatedMachine::FromFile(*name));
+}
+
+Machine ChooseFolder(const std::string& folder) {
+  return {Source{"folder", folder, "", ""}, nullptr, PlaceBatteryFolder(folder)};
 }
 
 }  // namespace norv::tool

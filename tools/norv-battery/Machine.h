@@ -13,10 +13,14 @@ namespace norv::tool {
 struct Machine {
   Source source;
   std::unique_ptr<simulator::SimulatedMachine> simulated;  // null for the running machine
+  std::shared_ptr<void> folder;                            // a battery folder in its place; null without
 };
 
 // Takes the running machine without a `name`. A name with a slash in it or ".json" at its end is that of a file; any
 // other is a sample's, or where there is no such sample a file's. Throws simulator::MachineFileError.
 Machine ChooseMachine(const std::optional<std::string>& name);
+
+// The running machine, but with the batteries of a folder of the power supply class. See BatteryFolder.h.
+Machine ChooseFolder(const std::string& folder);
 
 }  // namespace norv::tool

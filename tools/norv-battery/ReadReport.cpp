@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <memory>
 #include <mutex>
+#include <string_view>
 
 #include "TestProgress.h"
 #include "battery/NorvBatteries.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
+#include "norv/platform/Platform.h"
 
 namespace norv::tool {
 
@@ -129,6 +131,36 @@ BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
   return report;
 }
 
+// Sees whether the platform was asked for the batteries. Where it was not, the library was built with a channel of the
+// maker's, which knows its own way to the BIOS.
+class ChannelObserver : public platform::PlatformWrapper {
+ public:
+  using PlatformWrapper::PlatformWrapper;
+
+  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
+                               std::uint32_t* returnCode) override {
+    wasAsked_ = true;
+    return PlatformWrapper::SendBiosCommand(first, second, third, input, inputSize, output, returnCode);
+  }
+
+  bool WasAsked() const { return wasAsked_; }
+
+ private:
+  bool wasAsked_ = false;
+};
+
+std::string ChannelText(ChannelObserver& machine, const Source& source) {
+  if (!machine.WasAsked()) {
+    return "the maker's BIOS channel";
+  }
+  const std::string named = machine.BatterySource();
+  if (!named.empty()) {
+    return named;
+  }
+  return std::string_view(source.kind) == "machine" ? "not known" : "a machine file";
+}
+
 TestReport RunTest(NorvBatteries& batteries, NorvBatteryTestInfo& test) {
   {
     const TestProgress progress;
@@ -186,11 +218,14 @@ BatteryReport ReadBlock(NorvBatteryInfo& battery) {
 Report ReadReport(const Source& source, const ReadOptions& options) {
   auto test = options.test ? std::make_unique<NorvBatteryTestInfo>() : nullptr;
   NorvBatteryTestInfo* const runner = test.get();
+  ChannelObserver machine(platform::Platform::Current());
+  const platform::ScopedPlatform scope(machine);
   // The collection keeps its last failure only. The test runs after the collection was read, and not within it, so that
   // a failed test does not hide why a battery could not be read.
   NorvBatteries batteries(options.cellSwell, false, nullptr, test.release());
   Report report;
   report.source = source;
+  report.source.channel = ChannelText(machine, source);
   report.cellSwellRequested = options.cellSwell;
   report.readError = ReadFailure(batteries.GetError());
   if (runner != nullptr) {
@@ -199,6 +234,8 @@ Report ReadReport(const Source& source, const ReadOptions& options) {
   for (unsigned char slot = 0; slot < kSlotCount; ++slot) {
     if (NorvBatteryInfo* battery = batteries.Query(slot)) {
       report.batteries.at(slot) = ReadBattery(slot, *battery);
+      report.batteries.at(slot)->capacity.driverStateOfCharge =
+          machine.WasAsked() ? machine.DriverStateOfCharge(slot) : std::nullopt;
     }
   }
   return report;

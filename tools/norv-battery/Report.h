@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -53,6 +54,7 @@ struct Capacity {
   int temperature = 0;
   unsigned int chargeRate = 0;
   unsigned int dischargeRate = 0;
+  std::optional<std::uint32_t> driverStateOfCharge = std::nullopt;  // percent, the battery driver's own figure
 };
 
 struct Cells {
@@ -130,10 +132,20 @@ struct TestReport {
 
 // Where the report was read.
 struct Source {
-  const char* kind = "machine";  // "machine" (the running one), "sample" or "file"
+  const char* kind =
+      "machine";  // "machine" (the running one), "sample", "file" or "folder" (of the power supply class)
   std::string name;
   std::string description;
+  std::string channel;  // what answered for the batteries, in a few words
 };
+
+// True where the driver's own state of charge is more than a point away from the computed one, or stands alone because
+// none could be computed.
+inline bool DriverDisagrees(const Capacity& capacity) {
+  constexpr float kPoint = 1.0F;
+  return capacity.driverStateOfCharge.has_value() &&
+         std::abs(static_cast<float>(*capacity.driverStateOfCharge) - capacity.remainingCapacityPercentage) > kPoint;
+}
 
 struct Report {
   Source source;

@@ -65,6 +65,12 @@ void AddCapacity(TextLines& lines, const Capacity& capacity) {
   lines.Row("Remaining capacity", capacity.remainingCapacity);
   lines.Row("Relative state of charge",
             Percentage(capacity.remainingCapacityPercentage, capacity.fullChargeCapacity, "full charge capacity"));
+  if (DriverDisagrees(capacity)) {
+    const bool isComputed = capacity.remainingCapacityPercentage != kNotComputable;
+    lines.Row("Driver's state of charge",
+              std::to_string(*capacity.driverStateOfCharge) + " %, by its own account; " +
+                  (isComputed ? "more than a point from the one above" : "there is none to compare it with"));
+  }
   lines.Row("Max error", std::to_string(capacity.maxError) + " %");
   lines.Row("Cycle count", capacity.cycleCount);
   lines.Row("Design voltage", capacity.designVoltage);

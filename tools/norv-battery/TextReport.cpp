@@ -34,15 +34,20 @@ constexpr std::string_view kLegend =
     "the current and 0.1 K for the temperature; brackets show that reading where it helps.\n"
     "\\x and two hexadecimal digits stand for a text byte that is no printable ASCII character.";
 
-void AddSource(TextLines& lines, const Source& source) {
+std::string Subject(const Source& source) {
   if (source.name.empty()) {
-    lines.Line("Battery report of this machine");
-    return;
+    return "this machine";
   }
-  lines.Line(std::string("Battery report of the simulated machine ") + EscapeText(source.name));
+  const bool isFolder = std::string_view(source.kind) == "folder";
+  return (isFolder ? "the power supply folder " : "the simulated machine ") + EscapeText(source.name);
+}
+
+void AddSource(TextLines& lines, const Source& source) {
+  lines.Line("Battery report of " + Subject(source));
   if (!source.description.empty()) {
     lines.Line(EscapeText(source.description));
   }
+  lines.Line("Read from: " + EscapeText(source.channel));
 }
 
 bool IsFrom(const Failure& failure, std::string_view operation) {

@@ -40,7 +40,7 @@ int StatusOf(const Report& report) {
 }
 
 int MakeReport(const Arguments& arguments) {
-  const Machine machine = ChooseMachine(arguments.machine);
+  const Machine machine = arguments.folder ? ChooseFolder(*arguments.folder) : ChooseMachine(arguments.machine);
   if (arguments.logSeverity > 0) {
     LogToStandardError(arguments.logSeverity);
   }

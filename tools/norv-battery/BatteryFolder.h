@@ -1,0 +1,15 @@
+// Batteries out of a folder, on systems whose kernel shows its batteries as files.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace norv::tool {
+
+bool HasBatteryFolders();
+
+// For as long as the result lives, the library meets the batteries of `folder` in the place of the running machine's.
+// Only where there are such folders.
+std::shared_ptr<void> PlaceBatteryFolder(const std::string& folder);
+
+}  // namespace norv::tool

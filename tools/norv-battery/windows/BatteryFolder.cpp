@@ -1,0 +1,13 @@
+#include "BatteryFolder.h"
+
+namespace norv::tool {
+
+bool HasBatteryFolders() {
+  return false;
+}
+
+std::shared_ptr<void> PlaceBatteryFolder(const std::string& /*folder*/) {
+  return nullptr;
+}
+
+}  // namespace norv::tool
