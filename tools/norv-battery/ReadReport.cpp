@@ -154,7 +154,7 @@ std::string ChannelText(ChannelObserver& machine, const Source& source) {
   if (!machine.WasAsked()) {
     return "the maker's BIOS channel";
   }
-  const std::string named = machine.BatterySource();
+  std::string named = machine.BatterySource();
   if (!named.empty()) {
     return named;
   }
