@@ -254,8 +254,13 @@ std::optional<SystemBattery> PowerSupply::Read(std::uint32_t slot) const {
   std::uint32_t place = 0;
   for (const std::string& name : SupplyNames(folder_)) {
     const std::filesystem::path path = std::filesystem::path(folder_) / name;
-    if (Supply(path).IsSystemBattery() && place++ == slot) {
-      return ReadSettled(path);
+    if (!Supply(path).IsSystemBattery()) {
+      continue;
+    }
+    if (place < slot) {
+      ++place;
+    } else if (auto battery = ReadSettled(path)) {
+      return battery;
     }
   }
   return std::nullopt;

@@ -19,7 +19,8 @@ class PowerSupply {
 
   // The battery in `slot`: of the supplies that power the system, in the natural order of their names (BAT2 before
   // BAT10), the one at that place. A mouse's battery, a UPS and an empty bay do not count. An attribute that is missing
-  // or cannot be read is not known. Nothing when there is no such battery, nor when it went while it was read.
+  // or cannot be read is not known. A battery that goes while it is read counts as gone before: the next one takes its
+  // place. Nothing when there is no battery at that place.
   std::optional<SystemBattery> Read(std::uint32_t slot) const;
 
  private:

@@ -82,6 +82,7 @@ std::optional<SystemBattery> TranslateBatteryClass(const BatteryClassAnswers& an
   battery.cycleCount = Known(answers.information.cycleCount);
   battery.temperature = answers.temperature ? Known(*answers.temperature) : std::nullopt;
   battery.voltage = Known(answers.status.voltage);
+  battery.standInVoltage = battery.voltage;
   battery.state = StateOf(answers);
   battery.manufactureDate = DateOf(answers.manufactureDate);
   battery.serialNumber = answers.serialNumber;

@@ -44,9 +44,9 @@ bool IsPositive(const std::optional<std::int64_t>& number) {
   return number.has_value() && *number > 0;
 }
 
-// What relates the energy of a battery to its charge: the design voltage, otherwise the voltage of the moment.
+// What relates the energy of a battery to its charge.
 std::optional<std::int64_t> EnergyVoltage(const SystemBattery& battery) {
-  return IsPositive(battery.designVoltage) ? battery.designVoltage : battery.voltage;
+  return IsPositive(battery.designVoltage) ? battery.designVoltage : battery.standInVoltage;
 }
 
 std::optional<std::int64_t> MilliampereHours(const SystemBattery& battery,
@@ -64,7 +64,7 @@ bool IsEnergy(const std::optional<BatteryCapacity>& capacity) {
 
 // Capacities that another moment, with another voltage, would have given otherwise.
 bool AreCapacitiesOfTheMoment(const SystemBattery& battery) {
-  return !IsPositive(battery.designVoltage) && IsPositive(battery.voltage) &&
+  return !IsPositive(battery.designVoltage) && IsPositive(battery.standInVoltage) &&
          (IsEnergy(battery.designCapacity) || IsEnergy(battery.fullChargeCapacity) ||
           IsEnergy(battery.remainingCapacity));
 }
@@ -198,7 +198,7 @@ FilledBlock FillBatteryBlock(const SystemBattery& battery) {
   if (AreCapacitiesOfTheMoment(battery)) {
     writer.Complain(
         "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, " +
-        std::to_string(*battery.voltage) + " mV");
+        std::to_string(*battery.standInVoltage) + " mV");
   }
   return writer.Take();
 }

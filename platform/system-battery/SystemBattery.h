@@ -33,11 +33,12 @@ struct SystemBattery {
   std::optional<BatteryCapacity> fullChargeCapacity;
   std::optional<BatteryCapacity> remainingCapacity;
   std::optional<std::int64_t> cycleCount;
-  std::optional<std::int64_t> temperature;    // 0.1 K
-  std::optional<std::int64_t> voltage;        // mV, at the moment
-  std::optional<std::int64_t> designVoltage;  // mV
-  std::optional<std::int64_t> current;        // mA, of either sign
-  std::optional<std::int64_t> power;          // mW, of either sign; looked at where there is no current
+  std::optional<std::int64_t> temperature;     // 0.1 K
+  std::optional<std::int64_t> voltage;         // mV, at the moment
+  std::optional<std::int64_t> designVoltage;   // mV
+  std::optional<std::int64_t> standInVoltage;  // mV, for the design voltage where a system never tells one
+  std::optional<std::int64_t> current;         // mA, of either sign
+  std::optional<std::int64_t> power;           // mW, of either sign; looked at where there is no current
   std::optional<ChargeState> state;
   std::optional<BatteryDate> manufactureDate;
   std::string serialNumber;  // UTF-8, like the other texts; empty when not known
@@ -59,19 +60,18 @@ struct FilledBlock {
 // The battery-information block in the units of the Smart Battery Data Specification. What is not known is 0 or an
 // empty text.
 //
-// - Capacities are mAh. Energy is divided by the design voltage, as the specification itself relates the two. Where the
-//   driver has none, the voltage of the moment stands in, which leaves the shares of the capacities in each other as
-//   they are; that is a complaint. Without any voltage the charge is not known.
+// - Capacities are mAh. Energy is divided by the design voltage, which is how gauges relate the two. Without
+//   one the charge is not known, unless the system never tells a design voltage and names another in its stead, which
+//   leaves the shares of the capacities in each other as they are; that is a complaint.
 // - The current is mA in two's complement, negative for a battery that discharges. Where the driver tells a power only,
 //   it is divided by the voltage of the moment. Drivers differ in the sign of what they tell, so that the state decides
 //   it: negative while the battery discharges, positive while it charges, and as told otherwise.
 // - Of the status word: "initialized" where the driver tells a full charge capacity that is not 0, which takes a fuel
 //   gauge that knows its battery; "discharging" and "fully charged" by the state; "fully discharged" where the
 //   remaining capacity is 0 and the full charge capacity is not.
-// - A number that is too large for its word becomes the largest (or, negative, the smallest) that fits, a negative
-// number
-//   of a field that has no sign becomes 0. A text is cut to its field, between characters where it is UTF-8. Each of
-//   these is a complaint.
+// - A number that is too large for its word becomes the largest (or, negative, the smallest) that fits, and a negative
+//   number of a field that has no sign becomes 0. A text is cut to its field, between characters where it is UTF-8.
+//   Each of these is a complaint.
 FilledBlock FillBatteryBlock(const SystemBattery& battery);
 
 // What the running system answers to a BIOS command; `read` gives the battery in a slot, nothing where there is none.

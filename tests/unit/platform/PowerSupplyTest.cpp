@@ -280,6 +280,18 @@ TEST_F(PowerSupplyFolder, ABatteryThatGoesWhileItIsReadIsNone) {
                    .has_value());
 }
 
+TEST_F(PowerSupplyFolder, TheNextBatteryTakesThePlaceOfOneThatGoes) {
+  WriteBattery("BAT0");
+  WriteBattery("BAT1", {{"cycle_count", "300"}});
+  const auto battery = ReadWhile("voltage_now", {[this] {
+                                   fs::remove_all(folder_ / "BAT0");
+                                   return std::string("12000000\n");
+                                 }});
+  ASSERT_TRUE(battery.has_value());
+  EXPECT_EQ(battery->deviceName, "BAT1");
+  EXPECT_EQ(battery->cycleCount, 300);
+}
+
 TEST_F(PowerSupplyFolder, ABatteryThatNeverRestsIsNone) {
   WriteBattery("BAT0");
   int count = 0;

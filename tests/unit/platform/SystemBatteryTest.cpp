@@ -106,9 +106,12 @@ TEST(BatteryBlock, DividesEnergyByTheDesignVoltage) {
   battery.designCapacity = Energy(50000);
   EXPECT_EQ(WordAt(battery, 0), 0U) << "without a voltage the charge is not known";
   EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
-  battery.voltage = 0;
-  EXPECT_EQ(WordAt(battery, 0), 0U);
   battery.voltage = 12600;
+  EXPECT_EQ(WordAt(battery, 0), 0U) << "the voltage of the moment is no design voltage";
+  battery.standInVoltage = 0;
+  EXPECT_EQ(WordAt(battery, 0), 0U);
+  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+  battery.standInVoltage = 12600;
   battery.designVoltage = 11400;
   EXPECT_EQ(WordAt(battery, 0), 4386U) << "50000 / 11.4 is 4385.96";
   battery.fullChargeCapacity = Charge(4000);
@@ -116,7 +119,7 @@ TEST(BatteryBlock, DividesEnergyByTheDesignVoltage) {
   EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
 }
 
-TEST(BatteryBlock, DividesEnergyByTheVoltageOfTheMomentWhereItKnowsNoOther) {
+TEST(BatteryBlock, DividesEnergyByTheVoltageThatStandsIn) {
   const std::string complaint =
       "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, 12600 mV";
   for (const std::optional<std::int64_t> noDesignVoltage : {std::optional<std::int64_t>(), {0}, {-11400}}) {
@@ -124,7 +127,7 @@ TEST(BatteryBlock, DividesEnergyByTheVoltageOfTheMomentWhereItKnowsNoOther) {
          {&SystemBattery::designCapacity, &SystemBattery::fullChargeCapacity, &SystemBattery::remainingCapacity}) {
       SystemBattery battery;
       battery.designVoltage = noDesignVoltage;
-      battery.voltage = 12600;
+      battery.standInVoltage = 12600;
       EXPECT_THAT(FillBatteryBlock(battery).complaints, Each(testing::Not(complaint))) << "nothing to be divided";
       battery.*capacity = Charge(4000);
       EXPECT_THAT(FillBatteryBlock(battery).complaints, Each(testing::Not(complaint)));
@@ -133,7 +136,7 @@ TEST(BatteryBlock, DividesEnergyByTheVoltageOfTheMomentWhereItKnowsNoOther) {
     }
   }
   SystemBattery battery;
-  battery.voltage = 12600;
+  battery.standInVoltage = 12600;
   battery.designCapacity = Energy(50000);
   EXPECT_EQ(WordAt(battery, 0), 3968U) << "50000 / 12.6 is 3968.25";
 }
