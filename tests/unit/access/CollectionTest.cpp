@@ -208,6 +208,7 @@ TEST(Collection, DefaultConstructionReadsThroughTheMachinesOwnChannel) {
   EXPECT_STREQ(batteries.Query(0)->GetDeviceName(), "OWN");
   EXPECT_THAT(machine->Operations(), Contains(simulator::Operation{"SendBiosCommand", "1,7,1 slot 0"}));
   EXPECT_THAT(machine->Operations(), Contains(simulator::Operation{"SendBiosCommand", "1,7,1 slot 1"}));
+  EXPECT_THAT(machine->Operations(), Not(Contains(simulator::Operation{"SendBiosCommand", "1,86,1 slot 0"})));
 }
 
 // Of a collection that nobody destroys: what its error keeps on the heap is its own.

@@ -128,6 +128,11 @@ TEST(Age, IsNegativeOnAClockThatStandsAt1970) {
   EXPECT_EQ(info.GetAge(), -10956) << "946681200 seconds before, cut toward zero";
 }
 
+TEST(Age, ATimeBefore1970IsOneSecondBeforeIt) {
+  ExpectAge("SN00000119-05-06", kDay - 2, 0);
+  ExpectAge("SN00000119-05-06", kDay - 1, 1);
+}
+
 TEST(Age, DaysThatTheMonthLacksRunOn) {
   ExpectAge("SN00012019-02-31", 1551571200, 0);  // 2019-03-03
 }

@@ -71,7 +71,9 @@ TEST(BatteryInfo, TextsFillTheirFieldsToTheLastByte) {
                                  .Byte(0x2C + 18, 0x7F)
                                  .Manufacturer("0123456789ABCDEFGH")
                                  .CtNumber("FEDCBA9876543210")
+                                 .Byte(0x3E + 16, 'x')
                                  .DeviceName("ABCDEFG")
+                                 .Byte(0x4F + 7, 'x')
                                  .Data());
   EXPECT_STREQ(info.GetSerialNumber(), "0123456789ABCDEF");
   EXPECT_STREQ(info.GetManufacturer(), "0123456789ABCDEFGH");

@@ -110,11 +110,11 @@ INSTANTIATE_TEST_SUITE_P(
                     ExclusionRow{R"("9XQ4")", R"("")", true}, ExclusionRow{R"("9XQ4")", R"("F. 9")", true},
                     ExclusionRow{R"("9XQ4")", R"("F.+9")", true}, ExclusionRow{R"("9XQ4")", R"("F.-9")", true},
                     ExclusionRow{R"("9XQ4")", R"("F.9x")", true}, ExclusionRow{R"("9XQ4")", R"("F.179")", false},
-                    ExclusionRow{R"("9XQ4")", R"("F.16 Ver. 99")", true}, ExclusionRow{R"("9XQ4")", R"("F017")", false},
-                    ExclusionRow{R"("9XQ4")", R"("FX99")", false}, ExclusionRow{R"("9XQ4")", R"({"fail": 5})", true},
-                    ExclusionRow{R"("9xq4")", R"("F.01")", false}, ExclusionRow{R"("9XQ40")", R"("F.01")", false},
-                    ExclusionRow{R"("9XQ")", R"("F.01")", false}, ExclusionRow{R"("")", R"("F.01")", false},
-                    ExclusionRow{R"(" 9XQ4")", R"("F.01")", false},
+                    ExclusionRow{R"("9XQ4")", R"("F.169")", true}, ExclusionRow{R"("9XQ4")", R"("F.16 Ver. 99")", true},
+                    ExclusionRow{R"("9XQ4")", R"("F017")", false}, ExclusionRow{R"("9XQ4")", R"("FX99")", false},
+                    ExclusionRow{R"("9XQ4")", R"({"fail": 5})", true}, ExclusionRow{R"("9xq4")", R"("F.01")", false},
+                    ExclusionRow{R"("9XQ40")", R"("F.01")", false}, ExclusionRow{R"("9XQ")", R"("F.01")", false},
+                    ExclusionRow{R"("")", R"("F.01")", false}, ExclusionRow{R"(" 9XQ4")", R"("F.01")", false},
                     ExclusionRow{R"({"fail": 5})", R"("F.01")", false}));
 
 TEST(Exclusion, AsksBoardThenBiosOverOneConnection) {
