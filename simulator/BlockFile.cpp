@@ -1,10 +1,11 @@
 #include "BlockFile.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <span>
 #include <string_view>
+
+#include "HexText.h"
 
 namespace norv::simulator {
 
@@ -128,28 +129,38 @@ std::int64_t ReadManufactureDate(const JsonNode& node) {
   return node.WholeNumber(0, 65535);
 }
 
-void ReadHex(const JsonNode& node, Block& block) {
-  std::string digits = node.Text();
-  std::erase(digits, ' ');
-  bool good = digits.size() == 2 * block.size();
-  for (std::size_t i = 0; good && i < block.size(); ++i) {
-    const char* const start = digits.data() + 2 * i;
-    const auto result = std::from_chars(start, start + 2, block[i], 16);
-    good = result.ec == std::errc() && result.ptr == start + 2;
-  }
-  if (!good) {
-    node.Fail("expected the " + std::to_string(block.size()) + " bytes of the block as " +
-              std::to_string(2 * block.size()) + " hex digits, with blanks between them or not, got " +
-              std::to_string(digits.size()) + " characters that are no blanks");
-  }
-}
-
 std::vector<std::string> BlockKeys(std::span<const WordField> words) {
   std::vector<std::string> keys{"hex"};
   for (const WordField& field : words) {
     keys.emplace_back(field.key);
   }
   return keys;
+}
+
+// The failures that a slot has for one of its two commands.
+void ReadFailures(const JsonNode& slot, const char* returnCodeKey, const char* statusKey, BlockAnswer& answer) {
+  if (const auto returnCode = slot.Member(returnCodeKey)) {
+    answer.returnCode = returnCode->Code();
+  }
+  if (const auto status = slot.Member(statusKey)) {
+    answer.channelStatus = status->SignedCode();
+  }
+}
+
+}  // namespace
+
+Block ReadBlockHex(const JsonNode& node) {
+  Block block{};
+  const std::optional<std::vector<unsigned char>> bytes = FromHexText(node.Text());
+  if (!bytes.has_value() || bytes->size() != block.size()) {
+    const std::string& text = node.Text();
+    const auto blanks = static_cast<std::size_t>(std::count(text.begin(), text.end(), ' '));
+    node.Fail("expected the " + std::to_string(block.size()) + " bytes of the block as " +
+              std::to_string(2 * block.size()) + " hex digits, with blanks between them or not, got " +
+              std::to_string(text.size() - blanks) + " characters that are no blanks");
+  }
+  std::copy(bytes->begin(), bytes->end(), block.begin());
+  return block;
 }
 
 Block ReadBattery(const JsonNode& node) {
@@ -162,7 +173,7 @@ Block ReadBattery(const JsonNode& node) {
   node.ExpectKeys(keys);
   Block block{};
   if (const auto hex = node.Member("hex")) {
-    ReadHex(*hex, block);
+    block = ReadBlockHex(*hex);
   }
   ReadWords(node, kBatteryWords, block);
   if (const auto voltages = node.Member("cellVoltages")) {
@@ -179,23 +190,11 @@ Block ReadCellSwell(const JsonNode& node) {
   node.ExpectKeys(BlockKeys(kCellSwellWords));
   Block block{};
   if (const auto hex = node.Member("hex")) {
-    ReadHex(*hex, block);
+    block = ReadBlockHex(*hex);
   }
   ReadWords(node, kCellSwellWords, block);
   return block;
 }
-
-// The failures that a slot has for one of its two commands.
-void ReadFailures(const JsonNode& slot, const char* returnCodeKey, const char* statusKey, BlockAnswer& answer) {
-  if (const auto returnCode = slot.Member(returnCodeKey)) {
-    answer.returnCode = returnCode->Code();
-  }
-  if (const auto status = slot.Member(statusKey)) {
-    answer.channelStatus = status->SignedCode();
-  }
-}
-
-}  // namespace
 
 SlotDescription ReadSlot(const JsonNode& slot) {
   SlotDescription description;

@@ -8,4 +8,9 @@ namespace norv::simulator {
 
 SlotDescription ReadSlot(const JsonNode& slot);
 
+// A block: by its fields ("battery", "cellSwell"), or as the hex digits of all its bytes.
+Block ReadBattery(const JsonNode& node);
+Block ReadCellSwell(const JsonNode& node);
+Block ReadBlockHex(const JsonNode& node);
+
 }  // namespace norv::simulator

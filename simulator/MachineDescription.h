@@ -8,15 +8,14 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
+#include "Answer.h"
 #include "norv/platform/Platform.h"
 #include "norv/simulator/FaultInjector.h"
+#include "norv/simulator/MachineRecorder.h"
 
 namespace norv::simulator {
-
-using Block = std::array<unsigned char, 128>;
 
 // What one BIOS command answers for one slot: a status, or a return code, or the block.
 struct BlockAnswer {
@@ -34,14 +33,6 @@ struct SlotDescription {
   BlockAnswer cellSwell{0, kNoCellSwellBattery, {}};
   std::optional<std::uint32_t> driverStateOfCharge;  // percent
 };
-
-// A property that cannot be read.
-struct FailedRead {
-  std::int32_t code;
-};
-
-using PropertyValue = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, FailedRead>;
-using Row = std::map<std::string, PropertyValue>;  // by folded property name
 
 struct ClassDescription {
   std::int32_t queryCode = 0;  // not 0: its queries fail
@@ -67,7 +58,8 @@ struct ProgramDataDescription {
 
 struct MachineDescription {
   std::string description;
-  std::string source;  // of the batteries, in a few words; empty where the file does not tell
+  std::string source;            // of the batteries, in a few words; empty where the file does not tell
+  std::optional<Origin> origin;  // of a recording
   std::array<SlotDescription, 2> slots;
   std::map<std::string, NamespaceDescription> namespaces;  // by NamespaceKey
   std::optional<TestProgramDescription> testProgram;
@@ -76,6 +68,7 @@ struct MachineDescription {
   std::optional<std::string> modulePath = "C:\\Program Files\\Norv\\norv-battery-info.dll";
   std::optional<std::time_t> now;  // the real clock otherwise
   int utcOffsetMinutes = 0;
+  std::vector<Answer> answers;  // they come before what is described above
   std::vector<Fault> faults;
 };
 

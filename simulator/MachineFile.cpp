@@ -7,10 +7,12 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "AnswerFile.h"
 #include "BlockFile.h"
 #include "FaultFile.h"
 #include "JsonNode.h"
 #include "JsonText.h"
+#include "VersionText.h"
 #include "WmiFile.h"
 #include "norv/simulator/SimulatedMachine.h"
 
@@ -29,26 +31,6 @@ std::string ReadLine(const JsonNode& node) {
     node.FailExpecting("one line of text that is not empty");
   }
   return text;
-}
-
-// "1.2.3.4", each part a 16-bit number without leading zeros.
-std::optional<platform::ProductVersion> ParseVersion(const std::string& text) {
-  platform::ProductVersion version;
-  const char* position = text.data();
-  const char* const end = text.data() + text.size();
-  for (std::uint16_t* part : {&version.major, &version.minor, &version.build, &version.revision}) {
-    const bool isFirst = part == &version.major;
-    if (!isFirst && (position == end || *position++ != '.')) {
-      return std::nullopt;
-    }
-    const auto result = std::from_chars(position, end, *part);
-    const bool leadingZero = result.ptr - position > 1 && *position == '0';
-    if (result.ec != std::errc() || leadingZero) {
-      return std::nullopt;
-    }
-    position = result.ptr;
-  }
-  return position == end ? std::optional(version) : std::nullopt;
 }
 
 std::optional<platform::ProductVersion> ReadVersion(const JsonNode& node) {
@@ -169,6 +151,29 @@ std::optional<std::string> ReadTextOrNull(const JsonNode& node) {
   return node.IsText() ? std::optional(node.Text()) : std::nullopt;
 }
 
+// An empty text, or one line.
+std::string ReadOptionalLine(const JsonNode& node, const char* key) {
+  const auto member = node.Member(key);
+  if (member && member->Text().find_first_of("\r\n") != std::string::npos) {
+    member->FailExpecting("one line of text");
+  }
+  return member ? member->Text() : std::string();
+}
+
+Origin ReadOrigin(const JsonNode& node) {
+  node.ExpectKeys({"kind", "name", "description", "programData"});
+  Origin origin;
+  const JsonNode kind = node.RequiredMember("kind", "\"machine\", \"sample\" or \"file\"");
+  origin.kind = kind.Text();
+  if (origin.kind != "machine" && origin.kind != "sample" && origin.kind != "file") {
+    kind.FailExpecting("\"machine\", \"sample\" or \"file\"");
+  }
+  origin.name = ReadOptionalLine(node, "name");
+  origin.description = ReadOptionalLine(node, "description");
+  ReadOptionalLine(node, "programData");
+  return origin;
+}
+
 void ReadSlots(const JsonNode& node, MachineDescription& machine) {
   std::size_t index = 0;
   for (const JsonNode& slot : node.Items(machine.slots.size())) {
@@ -195,6 +200,11 @@ void ReadSurroundings(const JsonNode& root, MachineDescription& machine) {
   if (const auto node = root.Member("clock")) {
     ReadClock(*node, machine);
   }
+  if (const auto node = root.Member("answers")) {
+    for (const JsonNode& answer : node->Items(kAnyNumber)) {
+      machine.answers.push_back(ReadAnswer(answer));
+    }
+  }
   if (const auto node = root.Member("faults")) {
     for (const JsonNode& fault : node->Items(kAnyNumber)) {
       machine.faults.push_back(ReadFault(fault));
@@ -208,7 +218,7 @@ MachineDescription ReadMachine(const std::string& text, const std::string& file)
   const nlohmann::json json = ParseJson(text, file);
   const JsonNode root(json, file);
   root.ExpectKeys({"$schema", "description", "source", "slots", "wmi", "testProgram", "programData", "systemMessages",
-                   "modulePath", "clock", "faults"});
+                   "modulePath", "clock", "answers", "faults", "recordedFrom"});
   if (const auto schema = root.Member("$schema")) {
     schema->Text();
   }
@@ -216,6 +226,9 @@ MachineDescription ReadMachine(const std::string& text, const std::string& file)
   machine.description = ReadLine(root.RequiredMember("description", "one line of text"));
   if (const auto source = root.Member("source")) {
     machine.source = ReadLine(*source);
+  }
+  if (const auto origin = root.Member("recordedFrom")) {
+    machine.origin = ReadOrigin(*origin);
   }
   if (const auto slots = root.Member("slots")) {
     ReadSlots(*slots, machine);

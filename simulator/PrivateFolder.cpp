@@ -49,12 +49,21 @@ void PrivateFolder::WriteReport(const std::string& report) {
   if (root.empty()) {
     return;
   }
-  const std::filesystem::path folder = root / "Quellbrook" / "Tavenhall" / "Resources" / "Temp";
+  const std::filesystem::path file = root.string() + kReportFile;
+  const std::filesystem::path folder = file.parent_path();
   std::error_code ignored;
   std::filesystem::create_directories(folder, ignored);
   const std::lock_guard lock(mutex_);
   std::ofstream(folder / "Battery.new", std::ios::binary) << report;
-  std::filesystem::rename(folder / "Battery.new", folder / "Battery.xml", ignored);
+  std::filesystem::rename(folder / "Battery.new", file, ignored);
+}
+
+void PrivateFolder::RemoveReport() {
+  const std::lock_guard lock(mutex_);
+  if (!path_.empty()) {
+    std::error_code ignored;
+    std::filesystem::remove(path_.string() + kReportFile, ignored);
+  }
 }
 
 }  // namespace norv::simulator

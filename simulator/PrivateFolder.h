@@ -7,6 +7,9 @@
 
 namespace norv::simulator {
 
+// Where the battery test program leaves its report, below the program-data folder.
+inline constexpr const char* kReportFile = "/Quellbrook/Tavenhall/Resources/Temp/Battery.xml";
+
 // Made on first use under the system's temporary folder, readable by its owner only, and removed with everything in it
 // when the object is destroyed.
 class PrivateFolder {
@@ -22,6 +25,9 @@ class PrivateFolder {
   // Leaves `report` where the battery test program leaves its report. Where that cannot be written there is none, as
   // with the real program.
   void WriteReport(const std::string& report);
+
+  // Takes away the report that lies there, if there is one.
+  void RemoveReport();
 
  private:
   std::mutex mutex_;

@@ -2,23 +2,27 @@
 
 #include <utility>
 
+#include "AnswerPlayer.h"
 #include "MachineFile.h"
 #include "Samples.h"
 #include "SimulatedPlatform.h"
 
 namespace norv::simulator {
 
-// Inside out: what the machine answers, where it fails instead, and what notes all of it down.
+// Inside out: what the machine answers, call by call where its file says so, where it fails instead, and what notes all
+// of it down.
 struct SimulatedMachine::Parts {
   explicit Parts(MachineDescription described)
       : machine(std::make_shared<MachineDescription>(std::move(described))),
         simulated(machine),
-        faults(simulated, machine->faults),
+        player(simulated, machine->answers),
+        faults(player, machine->faults),
         recorder(faults),
         scope(recorder) {}
 
   std::shared_ptr<const MachineDescription> machine;
   SimulatedPlatform simulated;
+  AnswerPlayer player;
   FaultInjector faults;
   OperationRecorder recorder;
   platform::ScopedPlatform scope;
@@ -63,6 +67,10 @@ SimulatedMachine::~SimulatedMachine() = default;
 
 const std::string& SimulatedMachine::Description() const {
   return parts_->machine->description;
+}
+
+const std::optional<Origin>& SimulatedMachine::RecordedFrom() const {
+  return parts_->machine->origin;
 }
 
 const std::vector<Operation>& SimulatedMachine::Operations() const {

@@ -6,16 +6,13 @@
 #include <utility>
 
 #include "SimulatedWmi.h"
+#include "SystemCalls.h"
 #include "Text.h"
 
 namespace norv::simulator {
 
 namespace {
 
-constexpr std::uint32_t kFileNotFound = 2;
-constexpr std::uint32_t kInsufficientBuffer = 122;
-constexpr std::uint32_t kMessageNotFound = 317;
-constexpr std::uint32_t kNoVersionResource = 1812;
 constexpr std::uint32_t kInvalidArgument = 0x80070057;
 
 // The failure that the last operation of this thread left. An operation that succeeds leaves "file not found": what can
@@ -37,17 +34,6 @@ std::string NormalPath(std::string_view path) {
   std::string normal = Folded(path);
   std::replace(normal.begin(), normal.end(), '/', '\\');
   return normal;
-}
-
-// Writes a zero-terminated text into `size` bytes, cut where it does not fit. The number of bytes written.
-std::uint32_t CopyCut(const std::string& text, char* buffer, std::uint32_t size) {
-  if (size == 0) {
-    return 0;
-  }
-  const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
-  std::copy_n(text.begin(), length, buffer);
-  buffer[length] = '\0';
-  return static_cast<std::uint32_t>(length);
 }
 
 }  // namespace

@@ -30,6 +30,10 @@ std::optional<std::string> AsText(const PropertyValue& value) {
   return std::visit(Overloaded{
                         [](std::monostate) -> std::optional<std::string> { return std::nullopt; },
                         [](const FailedRead&) -> std::optional<std::string> { return std::nullopt; },
+                        [](const PropertyReads& reads) -> std::optional<std::string> {
+                          const bool isRead = reads.text.has_value() && reads.text->code == 0 && !reads.text->thrown;
+                          return isRead ? std::optional(reads.text->value) : std::nullopt;
+                        },
                         [](bool flag) -> std::optional<std::string> { return flag ? "True" : "False"; },
                         [](double number) -> std::optional<std::string> { return RealText(number); },
                         [](const std::string& text) -> std::optional<std::string> { return text; },
@@ -67,6 +71,7 @@ std::optional<std::uint32_t> AsNumber(const PropertyValue& value) {
   return std::visit(Overloaded{
                         [](std::monostate) -> Number { return std::nullopt; },
                         [](const FailedRead&) -> Number { return std::nullopt; },
+                        [](const PropertyReads&) -> Number { return std::nullopt; },
                         [](bool flag) -> Number { return flag ? 0xFFFFFFFFU : 0U; },
                         [](const std::string& text) -> Number { return NumberInText(text); },
                         [](auto number) -> Number { return RoundedNumber(static_cast<double>(number)); },
@@ -89,8 +94,7 @@ class SimulatedConnection : public platform::WmiConnection {
       : machine_(std::move(machine)), description_(description) {}
 
   long Query(const std::wstring& wql) override {
-    found_.clear();
-    next_ = 0;
+    objects_ = {};
     const std::optional<WmiQuery> query = ParseWmiQuery(ToUtf8(wql));
     if (!query.has_value()) {
       return ToHresult(kWbemInvalidQuery);
@@ -102,60 +106,102 @@ class SimulatedConnection : public platform::WmiConnection {
     if (wmiClass->second.queryCode != 0) {
       return wmiClass->second.queryCode;
     }
+    std::vector<const Row*> rows;
     for (const Row& row : wmiClass->second.rows) {
       if (Passes(row, query->filter)) {
-        found_.push_back(&row);
+        rows.push_back(&row);
       }
     }
+    objects_ = FoundObjects(std::move(rows));
     return 0;
   }
 
-  bool Next() override {
-    if (next_ <= found_.size()) {
-      ++next_;
-    }
-    return Current() != nullptr;
-  }
+  bool Next() override { return objects_.Next(); }
 
   long ReadText(const std::wstring& property, std::string& value) override {
-    const PropertyValue* const found = Find(property);
-    if (found == nullptr) {
-      return ToHresult(kWbemNotFound);
-    }
-    if (const auto* const failed = std::get_if<FailedRead>(found)) {
-      return failed->code;
-    }
-    const std::optional<std::string> text = AsText(*found);
-    value = text.value_or(value);
-    return text.has_value() ? 0 : ToHresult(kDispTypeMismatch);
+    return objects_.ReadText(property, value);
   }
 
   bool ReadNumber(const std::wstring& property, std::uint32_t& value) override {
-    const PropertyValue* const found = Find(property);
-    const std::optional<std::uint32_t> number = found != nullptr ? AsNumber(*found) : std::nullopt;
-    value = number.value_or(value);
-    return number.has_value();
+    return objects_.ReadNumber(property, value);
   }
 
  private:
-  const Row* Current() const { return next_ > 0 && next_ <= found_.size() ? found_[next_ - 1] : nullptr; }
-
-  const PropertyValue* Find(const std::wstring& property) const {
-    const Row* const row = Current();
-    if (row == nullptr) {
-      return nullptr;
-    }
-    const auto found = row->find(Folded(ToUtf8(property)));
-    return found != row->end() ? &found->second : nullptr;
-  }
-
   std::shared_ptr<const MachineDescription> machine_;
   const NamespaceDescription& description_;
-  std::vector<const Row*> found_;
-  std::size_t next_ = 0;  // one more than the index of the current row, 0 before the first
+  FoundObjects objects_;
 };
 
+// One of the two ways of reading a property that was recorded, which may be the other one alone.
+long ReadAsRecorded(const PropertyReads& reads, std::string& value) {
+  if (!reads.text.has_value()) {
+    return ToHresult(kDispTypeMismatch);
+  }
+  if (reads.text->thrown.has_value()) {
+    Throw(*reads.text->thrown);
+  }
+  value = reads.text->code == 0 ? reads.text->value : value;
+  return reads.text->code;
+}
+
+bool ReadAsRecorded(const PropertyReads& reads, std::uint32_t& value) {
+  if (!reads.number.has_value()) {
+    return false;
+  }
+  if (reads.number->thrown.has_value()) {
+    Throw(*reads.number->thrown);
+  }
+  value = reads.number->value.value_or(value);
+  return reads.number->value.has_value();
+}
+
 }  // namespace
+
+bool FoundObjects::Next() {
+  if (next_ <= rows_.size()) {
+    ++next_;
+  }
+  return next_ <= rows_.size();
+}
+
+long FoundObjects::ReadText(const std::wstring& property, std::string& value) const {
+  const PropertyValue* const found = Find(property);
+  if (found == nullptr) {
+    return ToHresult(kWbemNotFound);
+  }
+  if (const auto* const failed = std::get_if<FailedRead>(found)) {
+    return failed->code;
+  }
+  if (const auto* const reads = std::get_if<PropertyReads>(found)) {
+    return ReadAsRecorded(*reads, value);
+  }
+  const std::optional<std::string> text = AsText(*found);
+  value = text.value_or(value);
+  return text.has_value() ? 0 : ToHresult(kDispTypeMismatch);
+}
+
+bool FoundObjects::ReadNumber(const std::wstring& property, std::uint32_t& value) const {
+  const PropertyValue* const found = Find(property);
+  if (found == nullptr) {
+    return false;
+  }
+  if (const auto* const reads = std::get_if<PropertyReads>(found)) {
+    return ReadAsRecorded(*reads, value);
+  }
+  const std::optional<std::uint32_t> number = AsNumber(*found);
+  value = number.value_or(value);
+  return number.has_value();
+}
+
+// Null where there is no current row or it has no such property.
+const PropertyValue* FoundObjects::Find(const std::wstring& property) const {
+  if (next_ == 0 || next_ > rows_.size()) {
+    return nullptr;
+  }
+  const Row& row = *rows_[next_ - 1];
+  const auto found = row.find(Folded(ToUtf8(property)));
+  return found != row.end() ? &found->second : nullptr;
+}
 
 std::unique_ptr<platform::WmiConnection> ConnectTo(std::shared_ptr<const MachineDescription> machine,
                                                    const NamespaceDescription& description) {

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "MachineDescription.h"
 
@@ -18,6 +21,25 @@ inline constexpr std::uint32_t kDispTypeMismatch = 0x80020005;
 inline long ToHresult(std::uint32_t code) {
   return static_cast<std::int32_t>(code);
 }
+
+// The objects that a query found, read one after another.
+class FoundObjects {
+ public:
+  FoundObjects() = default;
+  // The rows must outlive this object.
+  explicit FoundObjects(std::vector<const Row*> rows) : rows_(std::move(rows)) {}
+
+  // As WmiConnection has them.
+  bool Next();
+  long ReadText(const std::wstring& property, std::string& value) const;
+  bool ReadNumber(const std::wstring& property, std::uint32_t& value) const;
+
+ private:
+  const PropertyValue* Find(const std::wstring& property) const;
+
+  std::vector<const Row*> rows_;
+  std::size_t next_ = 0;  // one more than the index of the current row, 0 before the first
+};
 
 // `machine` keeps `description` alive for as long as the connection lives.
 std::unique_ptr<platform::WmiConnection> ConnectTo(std::shared_ptr<const MachineDescription> machine,

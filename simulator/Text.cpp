@@ -121,6 +121,22 @@ std::optional<std::string> ToBytes(std::string_view utf8) {
   return bytes;
 }
 
+std::string ByteText(std::string_view bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    AppendUtf8(static_cast<unsigned char>(byte), text);
+  }
+  return text;
+}
+
+bool IsUtf8(std::string_view text) {
+  return ToUtf8(ToWide(text)) == text;
+}
+
+std::string AsUtf8(const std::string& text) {
+  return IsUtf8(text) ? text : ByteText(text);
+}
+
 std::string Folded(std::string_view text) {
   std::string folded(text);
   std::transform(folded.begin(), folded.end(), folded.begin(),

@@ -3,6 +3,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "AnswerFile.h"
 #include "Text.h"
 
 namespace norv::simulator {
@@ -10,6 +11,45 @@ namespace norv::simulator {
 namespace {
 
 constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
+TextRead ReadTextRead(const JsonNode& node) {
+  TextRead read;
+  if (!node.IsObject()) {
+    read.value = node.ByteText(kAnyNumber);
+  } else if (node.Member("throws")) {
+    node.ExpectKeys({"throws", "text", "number", "category"});
+    read.thrown = ReadThrown(node);
+  } else {
+    node.ExpectKeys({"fail"});
+    read.code = node.RequiredMember("fail", "the code that reading it gives").SignedCode();
+  }
+  return read;
+}
+
+NumberRead ReadNumberRead(const JsonNode& node) {
+  NumberRead read;
+  if (node.IsObject()) {
+    node.ExpectKeys({"throws", "text", "number", "category"});
+    read.thrown = ReadThrown(node);
+  } else if (!node.IsNull()) {
+    read.value = static_cast<std::uint32_t>(node.WholeNumber(0, std::numeric_limits<std::uint32_t>::max()));
+  }
+  return read;
+}
+
+PropertyValue ReadPropertyObject(const JsonNode& node) {
+  const auto text = node.Member("text");
+  const auto number = node.Member("number");
+  if (!text && !number) {
+    node.ExpectKeys({"fail", "text", "number"});
+    return FailedRead{node.RequiredMember("fail", "the code that reading it gives").SignedCode()};
+  }
+  node.ExpectKeys({"text", "number"});
+  PropertyReads reads;
+  reads.text = text ? std::optional(ReadTextRead(*text)) : std::nullopt;
+  reads.number = number ? std::optional(ReadNumberRead(*number)) : std::nullopt;
+  return reads;
+}
 
 PropertyValue ReadProperty(const JsonNode& property) {
   const nlohmann::json& value = property.Value();
@@ -27,8 +67,7 @@ PropertyValue ReadProperty(const JsonNode& property) {
     case nlohmann::json::value_t::string:
       return property.Text();
     case nlohmann::json::value_t::object:
-      property.ExpectKeys({"fail"});
-      return FailedRead{property.RequiredMember("fail", "the code that reading it gives").SignedCode()};
+      return ReadPropertyObject(property);
     default:
       property.FailExpecting("a text, a number, true, false, null or {\"fail\": code}");
   }
@@ -51,9 +90,7 @@ ClassDescription ReadClass(const JsonNode& node) {
     description.queryCode = node.RequiredMember("queryFails", "the code that its queries give").SignedCode();
     return description;
   }
-  for (const JsonNode& row : node.Items(kAnyNumber)) {
-    description.rows.push_back(ReadRow(row));
-  }
+  description.rows = ReadRows(node);
   return description;
 }
 
@@ -73,6 +110,14 @@ NamespaceDescription ReadNamespace(const JsonNode& node) {
 }
 
 }  // namespace
+
+std::vector<Row> ReadRows(const JsonNode& node) {
+  std::vector<Row> rows;
+  for (const JsonNode& row : node.Items(kAnyNumber)) {
+    rows.push_back(ReadRow(row));
+  }
+  return rows;
+}
 
 std::map<std::string, NamespaceDescription> ReadWmi(const JsonNode& wmi) {
   std::map<std::string, NamespaceDescription> namespaces;

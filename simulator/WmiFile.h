@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "JsonNode.h"
 #include "MachineDescription.h"
@@ -10,5 +11,8 @@
 namespace norv::simulator {
 
 std::map<std::string, NamespaceDescription> ReadWmi(const JsonNode& wmi);
+
+// An array of objects.
+std::vector<Row> ReadRows(const JsonNode& node);
 
 }  // namespace norv::simulator

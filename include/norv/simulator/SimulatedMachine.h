@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "norv/platform/Platform.h"
+#include "norv/simulator/MachineRecorder.h"
 #include "norv/simulator/OperationRecorder.h"
 
 namespace norv::simulator {
@@ -49,6 +51,9 @@ class SimulatedMachine {
   ~SimulatedMachine();
 
   const std::string& Description() const;
+
+  // The machine that was recorded into the file; nothing for one that no recorder made.
+  const std::optional<Origin>& RecordedFrom() const;
 
   // Everything asked of the machine so far, in order.
   const std::vector<Operation>& Operations() const;

@@ -1,0 +1,79 @@
+// Records a machine into a machine file.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "norv/platform/Platform.h"
+
+namespace norv::simulator {
+
+class Tape;
+struct RecordedCall;
+
+// Which machine a recording was made of. A report of the recording names that machine, and not the file.
+struct Origin {
+  std::string kind = "machine";  // "machine" (the running one), "sample" or "file"
+  std::string name;              // of the sample or the file; empty for the running machine
+  std::string description;       // one line, or empty
+};
+
+// 32 bytes that nobody without the key can foresee or lead back to `value`; the same for the same value.
+using KeyedHash = std::function<std::array<unsigned char, 32>(const std::string& value)>;
+
+struct RecordingOptions {
+  Origin origin;
+  // Takes serial numbers, CT numbers and the user's name in paths out of the recording, if it is set. What replaces
+  // them is of the same length and shape, and the same for the same value and hash. The date at the end of a serial
+  // number and the first ten characters of a CT number, which tell its assembly, revision, supplier and week, stay.
+  KeyedHash hash;
+};
+
+// Hands everything on to any other platform and keeps what it answered. The other platform must outlive the recorder; a
+// connection may outlive both.
+//
+//   norv::simulator::MachineRecorder recorder(norv::platform::Platform::Current());
+//   {
+//     norv::platform::ScopedPlatform scope(recorder);
+//     norv::shared::battery::NorvBatteries batteries(true, true);
+//   }
+//   std::ofstream("notebook.json", std::ios::binary) << recorder.MachineText();
+//
+// A SimulatedMachine made from the text answers whoever asks the same once more with the same answers, calls that
+// failed or threw included. The report that a battery test program leaves is kept when the program-data folder is asked
+// for. Threads: as for every platform.
+class MachineRecorder : public platform::PlatformWrapper {
+ public:
+  explicit MachineRecorder(platform::Platform& inner);
+  ~MachineRecorder() override;
+
+  // The machine file of everything asked so far, in UTF-8. To be called while no other thread uses the platform.
+  std::string MachineText(const RecordingOptions& options = {}) const;
+
+  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
+                               std::uint32_t* returnCode) override;
+  long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<platform::WmiConnection>& connection) override;
+  bool RunProgram(const char* path) override;
+  bool ReadProductVersion(const char* path, platform::ProductVersion& version) override;
+  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override;
+  std::wstring ModuleName() override;
+  std::optional<std::string> ProgramDataFolder() override;
+  std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override;
+  std::uint32_t LastSystemCode() override;
+  void ReportInvalidParameter() override;
+  std::time_t Now() override;
+  std::time_t LocalTimeValue(const std::tm& calendarTime) override;
+
+ private:
+  class Connection;
+  friend std::vector<RecordedCall> RecordedCalls(const MachineRecorder& recorder);
+
+  std::shared_ptr<Tape> tape_;
+};
+
+}  // namespace norv::simulator

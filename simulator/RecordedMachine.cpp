@@ -1,0 +1,284 @@
+#include "RecordedMachine.h"
+
+#include <algorithm>
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "AnswerText.h"
+#include "HexText.h"
+#include "MachineFile.h"
+#include "OperationText.h"
+#include "RepeatedCall.h"
+#include "SimulatedPlatform.h"
+#include "SystemCalls.h"
+#include "Text.h"
+#include "WmiQuery.h"
+
+namespace norv::simulator {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Calls = std::vector<RecordedCall>;
+
+const RecordedCall* FindCall(const Calls& calls, const std::string& operation, const std::string& argument = {}) {
+  const auto found = std::find_if(calls.begin(), calls.end(), [&](const RecordedCall& call) {
+    return call.operation == operation && (argument.empty() || call.argument == argument) && !call.outcome.thrown;
+  });
+  return found != calls.end() ? &*found : nullptr;
+}
+
+Json OriginJson(const Origin& origin, const Calls& calls) {
+  Json json{{"kind", origin.kind}};
+  if (!origin.name.empty()) {
+    json["name"] = AsUtf8(origin.name);
+  }
+  if (!origin.description.empty()) {
+    json["description"] = AsUtf8(origin.description);
+  }
+  const RecordedCall* const folder = FindCall(calls, kProgramDataFolder);
+  if (folder != nullptr && !folder->folder.empty()) {
+    json["programData"] = AsUtf8(folder->folder);
+  }
+  return json;
+}
+
+// What a slot has for one of the two commands; `absent` is the return code that needs no words.
+void AddSlotAnswer(const RecordedCall* call, const std::string& name, std::uint32_t absent, Json& slot) {
+  if (call == nullptr) {
+    return;
+  }
+  const Outcome& outcome = call->outcome;
+  if (outcome.number != 0) {
+    slot[name + "ChannelStatus"] = CodeText(outcome.number);
+  } else if (outcome.block.has_value()) {
+    slot[name] = {{"hex", HexText(*outcome.block)}};
+  } else if (outcome.returnCode != absent) {
+    slot[name + "ReturnCode"] = outcome.returnCode;
+  }
+}
+
+Json SlotsJson(const Calls& calls) {
+  Json slots = Json::array();
+  for (const std::string number : {"0", "1"}) {
+    Json slot = Json::object();
+    AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,7,1 slot " + number), "battery", kNoBattery, slot);
+    const std::uint32_t absent = slot.contains("battery") ? kNotSupported : kNoCellSwellBattery;
+    AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,86,1 slot " + number), "cellSwell", absent, slot);
+    slots.push_back(slot.empty() ? Json(nullptr) : slot);
+  }
+  return slots;
+}
+
+// A folded name as the query has it.
+std::string Spelled(const std::string& name, const std::string& query) {
+  const std::size_t place = Folded(query).find(name);
+  return place != std::string::npos ? query.substr(place, name.size()) : name;
+}
+
+// The class of that name, which a query may have spelled in another way before.
+Json& ClassOf(const std::string& name, const std::string& query, Json& classes) {
+  for (auto& [known, wmiClass] : classes.items()) {
+    if (Folded(known) == name) {
+      return wmiClass;
+    }
+  }
+  return classes[Spelled(name, query)];
+}
+
+// The rows of a query go to its class, with the property that it was filtered by.
+void AddQuery(const RecordedCall& call, Json& classes) {
+  const std::optional<WmiQuery> query = ParseWmiQuery(call.argument);
+  if (!query.has_value()) {
+    return;
+  }
+  Json& rows = ClassOf(query->wmiClass, call.argument, classes);
+  if (call.outcome.number != 0) {
+    rows = rows.is_null() ? Json{{"queryFails", CodeText(call.outcome.number)}} : rows;
+    return;
+  }
+  if (!rows.is_array()) {
+    rows = Json::array();
+  }
+  for (const RecordedRow& row : call.rows) {
+    Json object = RowJson(row);
+    if (query->filter.has_value() && std::none_of(row.begin(), row.end(), [&](const auto& property) {
+          return Folded(property.first) == query->filter->property;
+        })) {
+      object[Spelled(query->filter->property, call.argument)] = query->filter->value;
+    }
+    rows.push_back(object);
+  }
+}
+
+Json WmiJson(const Calls& calls) {
+  Json wmi = Json::object();
+  std::set<std::string> known;
+  std::set<std::string> queries;
+  for (const RecordedCall& call : calls) {
+    if (call.operation == kConnectWmi && known.insert(NamespaceKey(call.argument)).second) {
+      wmi[call.argument] =
+          call.outcome.number != 0 ? Json{{"connectFails", CodeText(call.outcome.number)}} : Json::object();
+    }
+    const bool isNew = call.operation == kQuery && !call.outcome.thrown && queries.insert(CallKey(call)).second;
+    if (isNew && wmi.contains(call.wmiNamespace) && !wmi[call.wmiNamespace].contains("connectFails")) {
+      AddQuery(call, wmi[call.wmiNamespace]);
+    }
+  }
+  return wmi;
+}
+
+Json TestProgramJson(const Calls& calls) {
+  const RecordedCall* const version = FindCall(calls, kReadProductVersion);
+  const RecordedCall* const run = FindCall(calls, kRunProgram);
+  const bool isMissing = version != nullptr && version->outcome.fails && version->outcome.left.has_value() &&
+                         version->outcome.left->code != kNoVersionResource;
+  if ((version == nullptr && run == nullptr) || isMissing) {
+    return nullptr;
+  }
+  const bool hasVersion = version != nullptr && version->outcome.text.has_value();
+  Json program{{"version", hasVersion ? Json(*version->outcome.text) : Json(nullptr)}};
+  if (run != nullptr && run->outcome.fails) {
+    program["startFails"] =
+        run->outcome.left.has_value() && run->outcome.left->code != 0 ? run->outcome.left->code : kFileNotFound;
+  }
+  const RecordedCall* const folder = FindCall(calls, kProgramDataFolder);
+  if (run != nullptr && folder != nullptr && folder->outcome.text.has_value() && IsUtf8(*folder->outcome.text)) {
+    program["report"] = *folder->outcome.text;
+  }
+  return program;
+}
+
+Json SystemMessagesJson(const Calls& calls) {
+  Json messages = Json::object();
+  for (const RecordedCall& call : calls) {
+    const std::string text = call.outcome.text.value_or("");
+    const bool isMessage = call.operation == kFormatSystemMessage && !text.empty() &&
+                           text.find('\0') == std::string::npos && !messages.contains(call.argument);
+    if (isMessage) {
+      messages[call.argument] = ByteText(text);
+    }
+  }
+  return messages;
+}
+
+// Null for a time that the file has no words for.
+Json TimeJson(std::int64_t now) {
+  const std::chrono::sys_seconds time{std::chrono::seconds(now)};
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(day);
+  if (now < 0 || static_cast<int>(date.year()) > 9999) {
+    return nullptr;
+  }
+  const std::chrono::hh_mm_ss clock(time - day);
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+                static_cast<int>(clock.seconds().count()));
+  return text.data();
+}
+
+// By how many minutes local time is ahead, taken from the first calendar time that has a time value.
+std::optional<std::int64_t> UtcOffset(const Calls& calls) {
+  for (const RecordedCall& call : calls) {
+    if (call.operation != kLocalTimeValue || call.outcome.number < 0 || call.outcome.thrown) {
+      continue;
+    }
+    const std::tm& local = call.calendarTime;
+    const std::chrono::year_month_day date{std::chrono::year(local.tm_year + 1900),
+                                           std::chrono::month(static_cast<unsigned>(local.tm_mon + 1)),
+                                           std::chrono::day(static_cast<unsigned>(local.tm_mday))};
+    const std::int64_t days = std::chrono::sys_days(date).time_since_epoch().count();
+    const std::int64_t seconds =
+        ((days * 24 + local.tm_hour) * 60 + local.tm_min) * 60 + local.tm_sec - call.outcome.number;
+    constexpr std::int64_t kLargestOffset = 840;
+    const std::int64_t minutes = seconds / 60;
+    return seconds % 60 == 0 && std::abs(minutes) <= kLargestOffset ? std::optional(minutes) : std::nullopt;
+  }
+  return std::nullopt;
+}
+
+Json ClockJson(const Calls& calls) {
+  Json clock = Json::object();
+  const RecordedCall* const now = FindCall(calls, kNow);
+  const Json time = now != nullptr ? TimeJson(now->outcome.number) : Json(nullptr);
+  if (!time.is_null()) {
+    clock["now"] = time;
+  }
+  if (const auto offset = UtcOffset(calls)) {
+    clock["utcOffsetMinutes"] = *offset;
+  }
+  return clock;
+}
+
+// Only the first answers, in the words in which a machine is described.
+Json DescribedJson(const Calls& calls, const Origin& origin) {
+  Json machine;
+  machine["description"] = origin.description.empty() ? "A recorded machine" : AsUtf8(origin.description);
+  machine["recordedFrom"] = OriginJson(origin, calls);
+  machine["slots"] = SlotsJson(calls);
+  machine["wmi"] = WmiJson(calls);
+  machine["testProgram"] = TestProgramJson(calls);
+  const RecordedCall* const folder = FindCall(calls, kProgramDataFolder);
+  if (folder != nullptr && folder->outcome.fails) {
+    machine["programData"] = nullptr;
+  }
+  machine["systemMessages"] = SystemMessagesJson(calls);
+  const RecordedCall* const path = FindCall(calls, kLibraryPath);
+  if (path != nullptr) {
+    const std::string text = path->outcome.text.value_or("");
+    machine["modulePath"] = text.empty() ? Json(nullptr) : Json(AsUtf8(text));
+  }
+  machine["clock"] = ClockJson(calls);
+  return machine;
+}
+
+// The report that a program leaves is found when the folder is asked for: none of the two can be answered without the
+// other.
+constexpr const char* kReportOperations[] = {kRunProgram, kProgramDataFolder};
+
+bool IsReportOperation(const std::string& operation) {
+  return std::find(std::begin(kReportOperations), std::end(kReportOperations), operation) !=
+         std::end(kReportOperations);
+}
+
+// The keys of the calls that the described machine answers in another way.
+std::set<std::string> DifferentKeys(const Calls& calls, const Json& described) {
+  const auto machine = std::make_shared<MachineDescription>(ReadMachine(described.dump(), "the recording"));
+  SimulatedPlatform simulated(machine);
+  std::set<std::string> different;
+  bool isReportDifferent = false;
+  for (const RecordedCall& call : calls) {
+    if (!AnswersAlike(call, RepeatedCall(simulated, call))) {
+      different.insert(CallKey(call));
+      isReportDifferent = isReportDifferent || IsReportOperation(call.operation);
+    }
+  }
+  for (const RecordedCall& call : calls) {
+    if (isReportDifferent && IsReportOperation(call.operation)) {
+      different.insert(CallKey(call));
+    }
+  }
+  return different;
+}
+
+}  // namespace
+
+std::string RecordedMachineText(const std::vector<RecordedCall>& calls, const Origin& origin) {
+  Json machine = DescribedJson(calls, origin);
+  const std::set<std::string> different = DifferentKeys(calls, machine);
+  Json answers = Json::array();
+  for (const RecordedCall& call : calls) {
+    if (different.count(CallKey(call)) != 0) {
+      answers.push_back(AnswerJson(call));
+    }
+  }
+  if (!answers.empty()) {
+    machine["answers"] = answers;
+  }
+  return machine.dump(2) + '\n';
+}
+
+}  // namespace norv::simulator
