@@ -46,6 +46,11 @@ void ReadTime(const JsonNode& result, const JsonNode&, Answer& answer) {
   answer.outcome.number = result.WholeNumber(-kLargestTime, kLargestTime);
 }
 
+void ReadPercent(const JsonNode& result, const JsonNode&, Answer& answer) {
+  answer.outcome.fails = result.IsNull();
+  answer.outcome.number = result.IsNull() ? 0 : result.WholeNumber(0, kLargestCode);
+}
+
 void ReadSystemCode(const JsonNode& result, const JsonNode&, Answer& answer) {
   answer.outcome.number = result.WholeNumber(0, kLargestCode);
 }
@@ -98,6 +103,8 @@ constexpr std::array kForms{
     ResultForm{kReportInvalidParameter, false, ReadNothing},
     ResultForm{kNow, false, ReadTime},
     ResultForm{kLocalTimeValue, true, ReadTime},
+    ResultForm{kBatterySource, false, ReadName},
+    ResultForm{kDriverStateOfCharge, true, ReadPercent},
 };
 
 std::vector<std::string> KeysOf(std::string_view operation, bool hasArgument) {

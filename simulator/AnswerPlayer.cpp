@@ -242,4 +242,17 @@ std::time_t AnswerPlayer::LocalTimeValue(const std::tm& calendarTime) {
   return answer != nullptr ? static_cast<std::time_t>(answer->outcome.number) : Inner().LocalTimeValue(calendarTime);
 }
 
+std::string AnswerPlayer::BatterySource() {
+  const Answer* const answer = script_->Take(kBatterySource);
+  return answer != nullptr ? answer->outcome.text.value_or("") : Inner().BatterySource();
+}
+
+std::optional<std::uint32_t> AnswerPlayer::DriverStateOfCharge(std::uint32_t slot) {
+  const Answer* const answer = script_->Take(kDriverStateOfCharge, std::to_string(slot));
+  if (answer == nullptr) {
+    return Inner().DriverStateOfCharge(slot);
+  }
+  return answer->outcome.fails ? std::nullopt : std::optional(static_cast<std::uint32_t>(answer->outcome.number));
+}
+
 }  // namespace norv::simulator

@@ -31,6 +31,8 @@ class AnswerPlayer : public platform::PlatformWrapper {
   void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
+  std::string BatterySource() override;
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
 
  private:
   class Script;

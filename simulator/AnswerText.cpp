@@ -121,10 +121,12 @@ void AddResult(const RecordedCall& call, Json& json) {
     json["result"] = outcome.fails ? Json(nullptr) : Json(outcome.text.value_or(""));
   } else if (operation == kLibraryPath || operation == kFormatSystemMessage) {
     AddBuffer(outcome, json);
-  } else if (operation == kModuleName) {
-    json["result"] = outcome.text.value_or("");
+  } else if (operation == kModuleName || operation == kBatterySource) {
+    json["result"] = AsUtf8(outcome.text.value_or(""));
   } else if (operation == kProgramDataFolder) {
     AddFolder(outcome, json);
+  } else if (operation == kDriverStateOfCharge) {
+    json["result"] = outcome.fails ? Json(nullptr) : Json(outcome.number);
   } else if (operation == kReportInvalidParameter) {
     json["result"] = true;
   } else {

@@ -163,10 +163,11 @@ std::string ReadOptionalLine(const JsonNode& node, const char* key) {
 Origin ReadOrigin(const JsonNode& node) {
   node.ExpectKeys({"kind", "name", "description", "programData"});
   Origin origin;
-  const JsonNode kind = node.RequiredMember("kind", "\"machine\", \"sample\" or \"file\"");
+  constexpr const char* kKinds = "\"machine\", \"sample\", \"file\" or \"folder\"";
+  const JsonNode kind = node.RequiredMember("kind", kKinds);
   origin.kind = kind.Text();
-  if (origin.kind != "machine" && origin.kind != "sample" && origin.kind != "file") {
-    kind.FailExpecting("\"machine\", \"sample\" or \"file\"");
+  if (origin.kind != "machine" && origin.kind != "sample" && origin.kind != "file" && origin.kind != "folder") {
+    kind.FailExpecting(kKinds);
   }
   origin.name = ReadOptionalLine(node, "name");
   origin.description = ReadOptionalLine(node, "description");

@@ -22,7 +22,7 @@ namespace {
 template <typename Work>
 auto Recorded(Tape& tape, RecordedCall call, Work work) {
   try {
-    const auto result = work(call);
+    auto result = work(call);
     tape.Add(std::move(call));
     return result;
   } catch (...) {
@@ -291,6 +291,25 @@ std::time_t MachineRecorder::LocalTimeValue(const std::tm& calendarTime) {
     const std::time_t value = Inner().LocalTimeValue(calendarTime);
     kept.outcome.number = value;
     return value;
+  });
+}
+
+std::string MachineRecorder::BatterySource() {
+  return Recorded(*tape_, CallOf(kBatterySource), [&](RecordedCall& kept) {
+    std::string source = Inner().BatterySource();
+    kept.outcome.text = source;
+    return source;
+  });
+}
+
+std::optional<std::uint32_t> MachineRecorder::DriverStateOfCharge(std::uint32_t slot) {
+  RecordedCall call = CallOf(kDriverStateOfCharge, std::to_string(slot));
+  call.slot = slot;
+  return Recorded(*tape_, std::move(call), [&](RecordedCall& kept) {
+    const std::optional<std::uint32_t> percent = Inner().DriverStateOfCharge(slot);
+    kept.outcome.fails = !percent.has_value();
+    kept.outcome.number = percent.value_or(0);
+    return percent;
   });
 }
 

@@ -33,6 +33,8 @@ struct LeftCode {
 //   ProgramDataFolder    fails where there is none; text: the report that lay in it
 //   FormatSystemMessage  text, number: the length that was told, 0 for a failure
 //   Now, LocalTimeValue, LastSystemCode   number
+//   BatterySource        text
+//   DriverStateOfCharge  number, or fails
 struct Outcome {
   std::optional<Thrown> thrown;
   bool fails = false;

@@ -213,25 +213,32 @@ Json ClockJson(const Calls& calls) {
   return clock;
 }
 
+// What nobody asked for is left out.
+void AddUnlessEmpty(const char* key, const Json& value, Json& machine) {
+  if (!value.empty()) {
+    machine[key] = value;
+  }
+}
+
 // Only the first answers, in the words in which a machine is described.
 Json DescribedJson(const Calls& calls, const Origin& origin) {
   Json machine;
   machine["description"] = origin.description.empty() ? "A recorded machine" : AsUtf8(origin.description);
   machine["recordedFrom"] = OriginJson(origin, calls);
   machine["slots"] = SlotsJson(calls);
-  machine["wmi"] = WmiJson(calls);
-  machine["testProgram"] = TestProgramJson(calls);
+  AddUnlessEmpty("wmi", WmiJson(calls), machine);
+  AddUnlessEmpty("testProgram", TestProgramJson(calls), machine);
   const RecordedCall* const folder = FindCall(calls, kProgramDataFolder);
   if (folder != nullptr && folder->outcome.fails) {
     machine["programData"] = nullptr;
   }
-  machine["systemMessages"] = SystemMessagesJson(calls);
+  AddUnlessEmpty("systemMessages", SystemMessagesJson(calls), machine);
   const RecordedCall* const path = FindCall(calls, kLibraryPath);
   if (path != nullptr) {
     const std::string text = path->outcome.text.value_or("");
     machine["modulePath"] = text.empty() ? Json(nullptr) : Json(AsUtf8(text));
   }
-  machine["clock"] = ClockJson(calls);
+  AddUnlessEmpty("clock", ClockJson(calls), machine);
   return machine;
 }
 

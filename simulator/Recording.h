@@ -26,6 +26,7 @@ struct RecordedCall {
   std::uint32_t size = 0;  // of the buffer of LibraryPath and FormatSystemMessage
   std::uint32_t code = 0;  // FormatSystemMessage
   std::tm calendarTime{};  // LocalTimeValue
+  std::uint32_t slot = 0;  // DriverStateOfCharge
 
   Outcome outcome;
   std::vector<RecordedRow> rows;  // the objects of a query that were looked at

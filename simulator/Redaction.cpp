@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <regex>
 #include <string_view>
 
 #include "OperationText.h"
@@ -43,6 +42,34 @@ bool IsAmong(const std::string& name, const std::array<std::string_view, Count>&
 
 bool IsWordCharacter(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c & 0x80) != 0;
+}
+
+// A way to write a date: '#' stands for a digit and '-' for any separator.
+struct DateShape {
+  std::string_view layout;
+  std::size_t month;
+  std::size_t day;
+};
+
+// In the order in which a record looks for them.
+constexpr std::array<DateShape, 4> kDateShapes{{
+    {"20##-##-##", 5, 8},
+    {"19-##-##", 3, 6},
+    {"##-##-20##", 0, 3},
+    {"##-##-19", 0, 3},
+}};
+
+bool HasLayout(std::string_view text, std::string_view layout) {
+  return std::equal(text.begin(), text.end(), layout.begin(), layout.end(), [](char c, char wanted) {
+    if (wanted == '#') {
+      return c >= '0' && c <= '9';
+    }
+    return wanted == '-' ? std::string_view("- /.").find(c) != std::string_view::npos : c == wanted;
+  });
+}
+
+int TwoDigits(std::string_view text) {
+  return 10 * (text[0] - '0') + (text[1] - '0');
 }
 
 // A character of the same kind; other characters stay.
@@ -233,31 +260,14 @@ void RedactTexts(const Redactor& redactor, RecordedCall& call) {
 }  // namespace
 
 std::size_t TrailingDateLength(const std::string& serialNumber) {
-  struct Shape {
-    const char* layout;
-    std::size_t length;
-    std::size_t month;
-    std::size_t day;
-  };
-  // In the order in which a record looks for them.
-  constexpr std::array<Shape, 4> kShapes{{
-      {"20[0-9]{2}[- /.][0-9]{2}[- /.][0-9]{2}", 10, 5, 8},
-      {"19[- /.][0-9]{2}[- /.][0-9]{2}", 8, 3, 6},
-      {"[0-9]{2}[- /.][0-9]{2}[- /.]20[0-9]{2}", 10, 0, 3},
-      {"[0-9]{2}[- /.][0-9]{2}[- /.]19", 8, 0, 3},
-  }};
-  for (const Shape& shape : kShapes) {
-    if (serialNumber.size() < shape.length) {
-      continue;
-    }
-    const std::string end = serialNumber.substr(serialNumber.size() - shape.length);
-    if (!std::regex_match(end, std::regex(shape.layout))) {
-      continue;
-    }
-    const int month = std::stoi(end.substr(shape.month, 2));
-    const int day = std::stoi(end.substr(shape.day, 2));
-    if (month >= 1 && month <= 12 && day >= 1 && day <= 31) {
-      return shape.length;
+  for (const DateShape& shape : kDateShapes) {
+    if (serialNumber.size() >= shape.layout.size()) {
+      const std::string_view end = std::string_view(serialNumber).substr(serialNumber.size() - shape.layout.size());
+      const int month = TwoDigits(end.substr(shape.month));
+      const int day = TwoDigits(end.substr(shape.day));
+      if (HasLayout(end, shape.layout) && month >= 1 && month <= 12 && day >= 1 && day <= 31) {
+        return shape.layout.size();
+      }
     }
   }
   return 0;

@@ -70,6 +70,10 @@ void RepeatOnSystem(platform::Platform& platform, const RecordedCall& call) {
     platform.LocalTimeValue(call.calendarTime);
   } else if (operation == kReportInvalidParameter) {
     platform.ReportInvalidParameter();
+  } else if (operation == kBatterySource) {
+    platform.BatterySource();
+  } else if (operation == kDriverStateOfCharge) {
+    platform.DriverStateOfCharge(call.slot);
   }
 }
 

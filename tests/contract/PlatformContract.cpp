@@ -11,6 +11,7 @@
 
 #include "norv/platform/Platform.h"
 #include "norv/simulator/FaultInjector.h"
+#include "norv/simulator/MachineRecorder.h"
 #include "norv/simulator/OperationRecorder.h"
 #include "norv/simulator/SimulatedMachine.h"
 
@@ -50,13 +51,14 @@ Subject Simulated() {
   return {machine, &machine->AsPlatform()};
 }
 
-const std::array<Maker, 5> kMakers{{
+const std::array<Maker, 6> kMakers{{
     {"System",
      [] {
        return Subject{nullptr, &Platform::Current()};
      }},
     {"Wrapper", [] { return Wrapped<PlatformWrapper>(); }},
     {"Recorder", [] { return Wrapped<simulator::OperationRecorder>(); }},
+    {"MachineRecorder", [] { return Wrapped<simulator::MachineRecorder>(); }},
     {"Injector", [] { return Wrapped<simulator::FaultInjector>(std::vector<simulator::Fault>()); }},
     {"Simulated", Simulated},
 }};

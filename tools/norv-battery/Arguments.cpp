@@ -1,9 +1,11 @@
 #include "Arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <map>
 #include <memory>
 #include <sstream>
+#include <system_error>
 
 #include "BatteryFolder.h"
 #include "Report.h"
@@ -30,6 +32,17 @@ constexpr const char* kEncodeFooter =
     "  0  every battery was encoded\n"
     "  2  the arguments or an input are wrong, or the output could not be written";
 
+constexpr const char* kRecordFooter =
+    "Exit status:\n"
+    "  0  at least one battery was read\n"
+    "  1  no battery could be read; the recording holds why\n"
+    "  2  the arguments or the machine file are wrong, or the output could not be written";
+
+constexpr const char* kWatchFooter =
+    "Exit status:\n"
+    "  0  all readings were made, or the watch was interrupted\n"
+    "  2  the arguments or the machine file are wrong, or the output could not be written";
+
 const std::map<std::string, Format> kFormats = {{"text", Format::Text}, {"json", Format::Json}};
 
 const std::map<std::string, RowFormat> kRowFormats = {
@@ -40,6 +53,9 @@ const std::map<std::string, std::optional<InputKind>> kGivenKinds = {{"bin", Inp
 
 const std::map<std::string, BlockFormat> kBlockFormats = {{"bin", BlockFormat::Binary},
                                                           {"hex", BlockFormat::Hexadecimal}};
+
+const std::map<std::string, std::optional<WatchFormat>> kWatchFormats = {{"text", WatchFormat::Text},
+                                                                         {"jsonl", WatchFormat::JsonLines}};
 
 // plog's numbers of the severities at which the library logs.
 const std::map<std::string, unsigned int> kLogSeverities = {{"none", 0}, {"error", 2}, {"info", 4}, {"verbose", 6}};
@@ -62,17 +78,21 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
       ->expected(1);
 }
 
-void DescribeReport(CLI::App& command, Arguments& arguments) {
-  command.add_option("--machine", arguments.machine, "Read this machine: a sample's name, or a machine file")
+void AddMachine(CLI::App& command, std::optional<std::string>& machine, std::optional<std::string>& folder) {
+  command.add_option("--machine", machine, "Read this machine: a sample's name, or a machine file")
       ->option_text("FILE-OR-SAMPLE");
   if (HasBatteryFolders()) {
     command
-        .add_option("--power-supply", arguments.folder,
+        .add_option("--power-supply", folder,
                     "Read the batteries in this folder, a copy of a notebook's /sys/class/power_supply")
         ->option_text("FOLDER")
         ->check(CLI::ExistingDirectory)
         ->excludes("--machine");
   }
+}
+
+void DescribeReport(CLI::App& command, Arguments& arguments) {
+  AddMachine(command, arguments.machine, arguments.folder);
   AddChoice(command, "--format", arguments.format, kFormats, "How to write the report", "text|json", "text");
   AddChoice(command, "--log-level", arguments.logSeverity, kLogSeverities,
             "What of the library's log to write to standard error", "none|error|info|verbose", "none");
@@ -129,6 +149,53 @@ void DescribeEncode(CLI::App& command, EncodeOptions& options) {
   command.footer(kEncodeFooter);
 }
 
+void DescribeRecord(CLI::App& command, RecordOptions& options) {
+  AddMachine(command, options.machine, options.folder);
+  command.add_option("--output", options.output, "Write to this file, which appears once it is complete")
+      ->option_text("FILE");
+  command.add_flag("--cell-swell", options.cellSwell, "Record the cell swell protection data, too");
+  command.add_flag("--test", options.test, "Run and record the battery test, too, and wait for its end");
+  CLI::Option* const redact =
+      command.add_flag("--redact", options.redact, "Replace serial numbers, CT numbers and the user's name in paths");
+  command.add_option("--key", options.key, "The key that decides by what they are replaced")
+      ->option_text("KEY [made, and shown]")
+      ->needs(redact)
+      ->check([](const std::string& key) { return key.empty() ? "a key is not empty" : ""; });
+  command.footer(kRecordFooter);
+}
+
+void AddInterval(CLI::App& command, std::chrono::duration<double>& interval) {
+  const auto choose = [&interval](const CLI::results_t& texts) {
+    const std::string& text = texts.back();
+    double seconds = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    const bool isNumber = result.ec == std::errc() && result.ptr == text.data() + text.size();
+    // Written so that what is no number fails, too.
+    if (!isNumber || !(seconds >= kShortestInterval && seconds <= kLongestInterval)) {
+      throw CLI::ValidationError("--interval", "'" + text + "' is no number of seconds from 0.01 to 86400");
+    }
+    interval = std::chrono::duration<double>(seconds);
+    return true;
+  };
+  command.add_option("--interval", choose, "Read again after this many seconds")
+      ->option_text("SECONDS [5]")
+      ->multi_option_policy(CLI::MultiOptionPolicy::Throw)
+      ->expected(1);
+}
+
+void DescribeWatch(CLI::App& command, WatchOptions& options) {
+  constexpr unsigned int kMostReadings = 4294967295U;
+  AddMachine(command, options.machine, options.folder);
+  AddInterval(command, options.interval);
+  command.add_option("--count", options.count, "End after this many readings")
+      ->option_text("N [no end]")
+      ->check(CLI::Range(1U, kMostReadings));
+  AddChoice(command, "--format", options.format, kWatchFormats, "How to show a reading", "text|jsonl",
+            "a table on a terminal, otherwise jsonl");
+  command.add_flag("--cell-swell", options.cellSwell, "Read the cell swell protection data, too");
+  command.footer(kWatchFooter);
+}
+
 // The long text of the subcommand that was named, if one was, otherwise of the tool.
 std::string Help(const CLI::App& app) {
   const auto named = app.get_subcommands();
@@ -139,8 +206,9 @@ std::string Help(const CLI::App& app) {
 
 ParsedArguments ParseArguments(int argc, const char* const* argv) {
   Arguments arguments;
-  CLI::App app("Reports the batteries of this machine, or of a simulated one, and decodes saved blocks.",
-               "norv-battery");
+  CLI::App app(
+      "Reports, watches and records the batteries of this machine, or of a simulated one, and decodes saved blocks.",
+      "norv-battery");
   app.set_version_flag("--version", "norv-battery " NORV_BATTERY_VERSION);
   app.require_subcommand(1);
   app.footer("'norv-battery COMMAND --help' tells the options of a command.");
@@ -148,7 +216,11 @@ ParsedArguments ParseArguments(int argc, const char* const* argv) {
   CLI::App* const machines = app.add_subcommand("machines", "List the sample machines");
   CLI::App* const decode = app.add_subcommand("decode", "Decode saved battery-information blocks");
   CLI::App* const encode = app.add_subcommand("encode", "Make blocks from reports, decoded rows or machines");
+  CLI::App* const record = app.add_subcommand("record", "Record a machine into a machine file");
+  CLI::App* const watch = app.add_subcommand("watch", "Read the batteries again and again and show what changed");
   DescribeReport(*report, arguments);
+  DescribeRecord(*record, arguments.record);
+  DescribeWatch(*watch, arguments.watch);
   DescribeDecode(*decode, arguments.decode);
   DescribeEncode(*encode, arguments.encode);
   try {
@@ -166,6 +238,8 @@ ParsedArguments ParseArguments(int argc, const char* const* argv) {
   arguments.command = machines->parsed() ? Command::Machines
                       : decode->parsed() ? Command::Decode
                       : encode->parsed() ? Command::Encode
+                      : record->parsed() ? Command::Record
+                      : watch->parsed()  ? Command::Watch
                                          : Command::Report;
   return {arguments, "", ""};
 }

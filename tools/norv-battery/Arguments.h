@@ -5,10 +5,12 @@
 
 #include "decode/Decode.h"
 #include "encode/Encode.h"
+#include "record/Record.h"
+#include "watch/Watch.h"
 
 namespace norv::tool {
 
-enum class Command { Report, Machines, Decode, Encode };
+enum class Command { Report, Machines, Decode, Encode, Record, Watch };
 enum class Format { Text, Json };
 
 struct Arguments {
@@ -21,6 +23,8 @@ struct Arguments {
   bool test = false;
   DecodeOptions decode;
   EncodeOptions encode;
+  RecordOptions record;
+  WatchOptions watch;
 };
 
 // What the command line asks for.

@@ -1,6 +1,7 @@
 #include "Machine.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -23,8 +24,19 @@ bool IsSample(const std::string& name) {
   return std::any_of(samples.begin(), samples.end(), [&name](const auto& sample) { return sample.name == name; });
 }
 
+// A report's kinds are constants.
+const char* KindName(const std::string& kind) {
+  constexpr std::array kKinds = {"machine", "sample", "file", "folder"};
+  const auto* const found = std::find(kKinds.begin(), kKinds.end(), kind);
+  return found != kKinds.end() ? *found : kKinds.front();
+}
+
+// A recording stands for the machine that it was made of.
 Machine Attach(const char* kind, const std::string& name, std::unique_ptr<SimulatedMachine> machine) {
   Source source{kind, name, machine->Description(), ""};
+  if (const auto& origin = machine->RecordedFrom()) {
+    source = {KindName(origin->kind), origin->name, origin->description, ""};
+  }
   return {std::move(source), std::move(machine), nullptr};
 }
 
@@ -50,6 +62,10 @@ Machine ChooseMachine(const std::optional<std::string>& name) {
 
 Machine ChooseFolder(const std::string& folder) {
   return {Source{"folder", folder, "", ""}, nullptr, PlaceBatteryFolder(folder)};
+}
+
+Machine ChooseMachine(const std::optional<std::string>& name, const std::optional<std::string>& folder) {
+  return folder ? ChooseFolder(*folder) : ChooseMachine(name);
 }
 
 }  // namespace norv::tool

@@ -23,4 +23,7 @@ Machine ChooseMachine(const std::optional<std::string>& name);
 // The running machine, but with the batteries of a folder of the power supply class. See BatteryFolder.h.
 Machine ChooseFolder(const std::string& folder);
 
+// The folder, where there is one, otherwise the machine.
+Machine ChooseMachine(const std::optional<std::string>& name, const std::optional<std::string>& folder);
+
 }  // namespace norv::tool

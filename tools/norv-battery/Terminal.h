@@ -4,6 +4,10 @@
 namespace norv::tool {
 
 bool StandardErrorIsTerminal();
+bool StandardOutputIsTerminal();
+
+// True when the terminal of standard output follows escape sequences; makes it do so where that takes a setting.
+bool StandardOutputTakesSequences();
 
 // Makes a write to a pipe that nobody reads any more fail, where it would end the process otherwise.
 void KeepBrokenPipesSilent();

@@ -14,6 +14,8 @@
 #include "WriteReport.h"
 #include "decode/Decode.h"
 #include "encode/Encode.h"
+#include "record/Record.h"
+#include "watch/Watch.h"
 
 namespace norv::tool {
 
@@ -40,7 +42,7 @@ int StatusOf(const Report& report) {
 }
 
 int MakeReport(const Arguments& arguments) {
-  const Machine machine = arguments.folder ? ChooseFolder(*arguments.folder) : ChooseMachine(arguments.machine);
+  const Machine machine = ChooseMachine(arguments.machine, arguments.folder);
   if (arguments.logSeverity > 0) {
     LogToStandardError(arguments.logSeverity);
   }
@@ -77,6 +79,10 @@ int Run(int argc, const char* const* argv) {
       return RunDecode(parsed.arguments->decode);
     case Command::Encode:
       return RunEncode(parsed.arguments->encode);
+    case Command::Record:
+      return RunRecord(parsed.arguments->record);
+    case Command::Watch:
+      return RunWatch(parsed.arguments->watch);
   }
   return kUnusable;
 }

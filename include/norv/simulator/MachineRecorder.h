@@ -17,8 +17,8 @@ struct RecordedCall;
 
 // Which machine a recording was made of. A report of the recording names that machine, and not the file.
 struct Origin {
-  std::string kind = "machine";  // "machine" (the running one), "sample" or "file"
-  std::string name;              // of the sample or the file; empty for the running machine
+  std::string kind = "machine";  // "machine" (the running one), "sample", "file" or "folder" (of a battery driver)
+  std::string name;              // of the sample, file or folder; empty for the running machine
   std::string description;       // one line, or empty
 };
 
@@ -68,6 +68,8 @@ class MachineRecorder : public platform::PlatformWrapper {
   void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
+  std::string BatterySource() override;
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
 
  private:
   class Connection;

@@ -1,0 +1,22 @@
+// The command record: a machine into a machine file.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace norv::tool {
+
+struct RecordOptions {
+  std::optional<std::string> machine;  // a sample's name or a file; nothing for the running machine
+  std::optional<std::string> folder;   // of the power supply class, in the place of the running machine's
+  std::optional<std::string> output;   // standard output without one
+  bool cellSwell = false;
+  bool test = false;
+  bool redact = false;
+  std::optional<std::string> key;  // of the redaction; made where there is none
+};
+
+// The exit status.
+int RunRecord(const RecordOptions& options);
+
+}  // namespace norv::tool
