@@ -14,6 +14,7 @@
 #include "SystemCalls.h"
 #include "Text.h"
 #include "WmiQuery.h"
+#include "norv/simulator/SimulatedMachine.h"
 
 namespace norv::simulator {
 
@@ -29,17 +30,24 @@ const RecordedCall* FindCall(const Calls& calls, const std::string& operation, c
   return found != calls.end() ? &*found : nullptr;
 }
 
+std::string OneLine(const std::string& text) {
+  std::string line = AsUtf8(text);
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+  return line;
+}
+
 Json OriginJson(const Origin& origin, const Calls& calls) {
   Json json{{"kind", origin.kind}};
   if (!origin.name.empty()) {
-    json["name"] = AsUtf8(origin.name);
+    json["name"] = OneLine(origin.name);
   }
   if (!origin.description.empty()) {
-    json["description"] = AsUtf8(origin.description);
+    json["description"] = OneLine(origin.description);
   }
   const RecordedCall* const folder = FindCall(calls, kProgramDataFolder);
   if (folder != nullptr && !folder->folder.empty()) {
-    json["programData"] = AsUtf8(folder->folder);
+    json["programData"] = OneLine(folder->folder);
   }
   return json;
 }
@@ -66,6 +74,10 @@ Json SlotsJson(const Calls& calls) {
     AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,7,1 slot " + number), "battery", kNoBattery, slot);
     const std::uint32_t absent = slot.contains("battery") ? kNotSupported : kNoCellSwellBattery;
     AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,86,1 slot " + number), "cellSwell", absent, slot);
+    const RecordedCall* const charge = FindCall(calls, kDriverStateOfCharge, number);
+    if (charge != nullptr && !charge->outcome.fails) {
+      slot["driverStateOfCharge"] = charge->outcome.number;
+    }
     slots.push_back(slot.empty() ? Json(nullptr) : slot);
   }
   return slots;
@@ -223,8 +235,13 @@ void AddUnlessEmpty(const char* key, const Json& value, Json& machine) {
 // Only the first answers, in the words in which a machine is described.
 Json DescribedJson(const Calls& calls, const Origin& origin) {
   Json machine;
-  machine["description"] = origin.description.empty() ? "A recorded machine" : AsUtf8(origin.description);
+  const std::string description = OneLine(origin.description);
+  machine["description"] = description.empty() ? "A recorded machine" : description;
   machine["recordedFrom"] = OriginJson(origin, calls);
+  const RecordedCall* const source = FindCall(calls, kBatterySource);
+  if (source != nullptr && !source->outcome.text.value_or("").empty()) {
+    machine["source"] = AsUtf8(*source->outcome.text);
+  }
   machine["slots"] = SlotsJson(calls);
   AddUnlessEmpty("wmi", WmiJson(calls), machine);
   AddUnlessEmpty("testProgram", TestProgramJson(calls), machine);
@@ -251,6 +268,17 @@ bool IsReportOperation(const std::string& operation) {
          std::end(kReportOperations);
 }
 
+// Answers may be such that no description holds them. Then all of them are spelled out.
+Json ReadableJson(const Calls& calls, const Origin& origin) {
+  Json machine = DescribedJson(calls, origin);
+  try {
+    ReadMachine(machine.dump(), "the recording");
+    return machine;
+  } catch (const MachineFileError&) {
+    return {{"description", machine["description"]}, {"recordedFrom", machine["recordedFrom"]}};
+  }
+}
+
 // The keys of the calls that the described machine answers in another way.
 std::set<std::string> DifferentKeys(const Calls& calls, const Json& described) {
   const auto machine = std::make_shared<MachineDescription>(ReadMachine(described.dump(), "the recording"));
@@ -274,7 +302,7 @@ std::set<std::string> DifferentKeys(const Calls& calls, const Json& described) {
 }  // namespace
 
 std::string RecordedMachineText(const std::vector<RecordedCall>& calls, const Origin& origin) {
-  Json machine = DescribedJson(calls, origin);
+  Json machine = ReadableJson(calls, origin);
   const std::set<std::string> different = DifferentKeys(calls, machine);
   Json answers = Json::array();
   for (const RecordedCall& call : calls) {

@@ -1,10 +1,12 @@
 // A host that tries itself on a simulated machine.
 #include <battery/NorvBatteries.h>
 #include <battery/NorvBatteryInfo.h>
+#include <norv/simulator/MachineRecorder.h>
 #include <norv/simulator/SimulatedMachine.h>
 
 #include <cstring>
 #include <iostream>
+#include <string>
 
 using norv::shared::battery::NorvBatteries;
 using norv::simulator::SimulatedMachine;

@@ -286,6 +286,25 @@ TEST(MachineRecorder, WmiIsReplayedQueryByQuery) {
   EXPECT_EQ(AskWmi(replayed->AsPlatform()), told);
 }
 
+TEST(MachineRecorder, WhatNoDescriptionHoldsIsSpelledOut) {
+  class Talkative : public platform::PlatformWrapper {
+   public:
+    using PlatformWrapper::PlatformWrapper;
+    std::string BatterySource() override { return "a source\nof two lines"; }
+  };
+  const auto machine = QuickSample("one-battery");
+  Talkative talkative(machine->AsPlatform());
+  MachineRecorder recorder(talkative);
+  EXPECT_EQ(recorder.BatterySource(), "a source\nof two lines");
+  const BiosAnswer battery = Ask(recorder, 7, 0);
+  RecordingOptions options;
+  options.origin.description = "Also\ntwo lines";
+  const auto replayed = SimulatedMachine::FromText(recorder.MachineText(options), "the recording");
+  EXPECT_EQ(replayed->AsPlatform().BatterySource(), "a source\nof two lines");
+  EXPECT_EQ(Ask(replayed->AsPlatform(), 7, 0).output, battery.output);
+  EXPECT_EQ(replayed->RecordedFrom()->description, "Also two lines");
+}
+
 TEST(MachineRecorder, ARecordingNamesItsOrigin) {
   const auto machine = SimulatedMachine::FromSample("no-battery");
   MachineRecorder recorder(machine->AsPlatform());
