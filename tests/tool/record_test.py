@@ -34,7 +34,7 @@ def run_tool(*arguments, **more):
                           env=dict(os.environ, TZ="UTC"), **more)
 
 
-class RecordTest(unittest.TestCase):
+class RecordCase(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
@@ -70,6 +70,8 @@ class RecordTest(unittest.TestCase):
                     self.assertNotEqual(expected[0], 2, expected[2])
                     self.assertEqual(self.report(self.recording, *option, "--format", form), expected)
 
+
+class RecordTest(RecordCase):
     def test_every_sample_machine(self):
         names = sorted(path.stem for path in MACHINES.glob("*.json"))
         self.assertGreater(len(names), 20)
@@ -166,6 +168,39 @@ class RecordTest(unittest.TestCase):
             self.assertIn(word, done.stdout)
 
 
+class LinuxTest(RecordCase):
+    def test_the_batteries_of_a_notebook(self):
+        battery = pathlib.Path(self.folder.name, "power_supply", "BAT0")
+        battery.mkdir(parents=True)
+        values = {"type": "Battery", "scope": "System", "present": "1", "status": "Discharging", "technology": "Li-ion",
+                  "voltage_min_design": "11550000", "voltage_now": "11800000", "charge_full_design": "4000000",
+                  "charge_full": "3600000", "charge_now": "1800000", "current_now": "900000", "capacity": "57",
+                  "cycle_count": "12", "model_name": "HT03XL", "manufacturer": "Maker", "serial_number": "0815"}
+        for name, value in values.items():
+            (battery / name).write_text(value + "\n", encoding="ascii")
+        source = ["--power-supply", str(battery.parent)]
+        recording = run_tool("record", *source, "--output", self.recording)
+        self.assertEqual((recording.returncode, recording.stderr), (0, b""))
+        contents = json.loads(pathlib.Path(self.recording).read_text(encoding="utf-8"))
+        SCHEMA.validate(contents)
+        self.assertEqual(contents["source"], "the system's battery driver")
+        self.assertEqual(contents["slots"][0]["driverStateOfCharge"], 57)
+        self.assertEqual(contents["recordedFrom"]["kind"], "folder")
+        for form in ("text", "json"):
+            expected = run_tool("report", *source, "--format", form)
+            self.assertIn(b"0815", expected.stdout)
+            self.assertEqual(self.report(self.recording, "--format", form), (0, expected.stdout, expected.stderr))
+
+    def test_the_running_machine(self):
+        done = run_tool("record")
+        self.assertIn(done.returncode, (0, 1))
+        contents = json.loads(done.stdout)
+        SCHEMA.validate(contents)
+        self.assertEqual(contents["recordedFrom"]["kind"], "machine")
+        pathlib.Path(self.recording).write_bytes(done.stdout)
+        self.assertIn(b"Battery report of this machine\n", self.report(self.recording)[1])
+
+
 def main():
     global TOOL, SCHEMA
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
@@ -177,7 +212,9 @@ def main():
     if arguments.emulator:
         TOOL.insert(0, arguments.emulator)
     SCHEMA = jsonschema.Draft202012Validator(json.loads(pathlib.Path(arguments.schema).read_text(encoding="utf-8")))
-    result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(RecordTest))
+    cases = [RecordTest] + ([] if arguments.emulator else [LinuxTest])
+    tests = unittest.TestSuite(unittest.defaultTestLoader.loadTestsFromTestCase(case) for case in cases)
+    result = unittest.TextTestRunner().run(tests)
     sys.exit(0 if result.wasSuccessful() and result.testsRun > 0 else 1)
 
 

@@ -14,6 +14,7 @@ import pathlib
 import pty
 import re
 import select
+import shutil
 import signal
 import struct
 import subprocess
@@ -166,6 +167,37 @@ class LinuxTest(WatchTest):
             self.assertEqual(watch.stderr.read(), b"")
             self.assertEqual(watch.wait(timeout=30), 2)
             watch.stderr.close()
+
+    def test_a_notebook_whose_pack_is_taken_out_and_put_back(self):
+        battery = pathlib.Path(self.folder.name, "power_supply", "BAT0")
+        values = {"type": "Battery", "present": "1", "voltage_now": "11800000", "charge_full_design": "4000000",
+                  "charge_full": "3600000", "charge_now": "1800000", "serial_number": "0815"}
+
+        def put_in():
+            battery.mkdir(parents=True)
+            for name, value in values.items():
+                (battery / name).write_text(value + "\n", encoding="ascii")
+
+        put_in()
+        watch = subprocess.Popen([*TOOL, "watch", "--power-supply", str(battery.parent), "--interval", "0.05"],
+                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+        def wait_for(condition):
+            for line in watch.stdout:
+                if condition(json.loads(line)):
+                    return
+            self.fail("the watch ended")
+
+        wait_for(lambda reading: reading["batteries"][0] is not None)
+        (battery / "voltage_now").write_text("11700000\n", encoding="ascii")
+        wait_for(lambda reading: "batteries[0].capacity.voltage" in reading["changed"])
+        shutil.rmtree(battery)
+        wait_for(lambda reading: reading["batteries"][0] is None and "batteries[0]" in reading["changed"])
+        put_in()
+        wait_for(lambda reading: reading["batteries"][0] is not None and "batteries[0]" in reading["changed"])
+        watch.send_signal(signal.SIGINT)
+        self.assertEqual(watch.communicate(timeout=30)[1], b"")
+        self.assertEqual(watch.returncode, 0)
 
     def watch_on_terminal(self, *arguments, kind="xterm"):
         controller, terminal = pty.openpty()
