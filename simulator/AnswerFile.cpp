@@ -17,7 +17,6 @@ namespace norv::simulator {
 
 namespace {
 
-constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 constexpr std::size_t kLongestText = std::numeric_limits<std::size_t>::max();
 constexpr std::int64_t kLargestTime = std::int64_t{1} << 53;  // beyond it a number of JSON is not exact everywhere
 constexpr std::uint32_t kLargestCode = std::numeric_limits<std::uint32_t>::max();

@@ -170,7 +170,9 @@ class Redactor {
     for (std::size_t i = first; i + last < text.size(); ++i) {
       const std::size_t place = i % random.size();
       if (place == 0 || i == first) {
-        random = hash_(label + '\0' + std::to_string(i / random.size()) + '\0' + value);
+        std::string message = label;
+        message.append(1, '\0').append(std::to_string(i / random.size())).append(1, '\0').append(value);
+        random = hash_(message);
       }
       text[i] = Replacement(text[i], random[place]);
     }

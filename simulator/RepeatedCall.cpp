@@ -19,14 +19,16 @@ bool Try(Work work) {
 }
 
 void ReadLike(const RecordedRow& row, platform::WmiConnection& connection) {
-  for (const auto& [property, reads] : row) {
+  for (const auto& entry : row) {
+    const std::wstring property = ToWide(entry.first);
+    const PropertyReads& reads = entry.second;
     if (reads.text.has_value()) {
       std::string text;
-      Try([&] { return connection.ReadText(ToWide(property), text) == 0; });
+      Try([&] { return connection.ReadText(property, text) == 0; });
     }
     if (reads.number.has_value()) {
       std::uint32_t number = 0;
-      Try([&] { return connection.ReadNumber(ToWide(property), number); });
+      Try([&] { return connection.ReadNumber(property, number); });
     }
   }
 }

@@ -32,11 +32,15 @@ void Compare(const std::string& path, const Json& before, const Json& after, std
   }
   if (before.is_object() && after.is_object()) {
     for (const auto& [key, value] : after.items()) {
-      Compare(path.empty() ? key : path + "." + key, before.value(key, Json()), value, changes);
+      std::string inner = path;
+      inner.append(path.empty() ? "" : ".").append(key);
+      Compare(inner, before.value(key, Json()), value, changes);
     }
   } else if (before.is_array() && after.is_array() && before.size() == after.size()) {
     for (std::size_t i = 0; i < after.size(); ++i) {
-      Compare(path + "[" + std::to_string(i) + "]", before[i], after[i], changes);
+      std::string inner = path;
+      inner.append("[").append(std::to_string(i)).append("]");
+      Compare(inner, before[i], after[i], changes);
     }
   } else {
     changes.push_back({path, before, after});
