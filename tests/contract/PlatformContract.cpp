@@ -2,18 +2,25 @@
 // machine, and what the simulator lays around one.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "norv/platform/Platform.h"
 #include "norv/simulator/FaultInjector.h"
 #include "norv/simulator/MachineRecorder.h"
 #include "norv/simulator/OperationRecorder.h"
 #include "norv/simulator/SimulatedMachine.h"
+#include "system-battery/BatteryClass.h"
+#include "system-battery/SystemBattery.h"
+#include "unit/support/PlatformMakers.h"
 
 namespace norv::test {
 namespace {
@@ -23,21 +30,6 @@ using platform::PlatformWrapper;
 using platform::ProductVersion;
 using platform::ScopedPlatform;
 using platform::WmiConnection;
-
-// A platform and whatever it needs to live.
-struct Subject {
-  std::shared_ptr<void> owner;
-  Platform* platform;
-};
-
-struct Maker {
-  const char* name;
-  std::function<Subject()> make;
-};
-
-void PrintTo(const Maker& maker, std::ostream* stream) {
-  *stream << maker.name;
-}
 
 template <typename Wrapper, typename... Arguments>
 Subject Wrapped(Arguments... arguments) {
@@ -177,6 +169,136 @@ TEST_P(PlatformContract, TimeAgreesWithItself) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, PlatformContract, testing::ValuesIn(kMakers),
+                         [](const auto& maker) { return std::string(maker.param.name); });
+
+TEST_P(PlatformContract, AnEmptySlotHasNoStateOfCharge) {
+  for (const std::uint32_t slot : {0U, 1U, 2U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(platform_.DriverStateOfCharge(slot), std::nullopt);
+  }
+}
+
+// A battery as the driver of Windows told it, on whatever system.
+class BatteryClassPlatform : public PlatformWrapper {
+ public:
+  BatteryClassPlatform() : PlatformWrapper(Platform::Current()) {}
+
+  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
+                               std::uint32_t* returnCode) override {
+    return platform::AnswerBiosCommand(first, second, third, input, inputSize, output, returnCode, Read);
+  }
+  std::string BatterySource() override { return platform::kSystemBatterySource; }
+  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override {
+    const auto battery = Read(slot);
+    return battery.has_value() ? battery->stateOfCharge : std::nullopt;
+  }
+
+ private:
+  static std::optional<platform::SystemBattery> Read(std::uint32_t slot) {
+    platform::BatteryClassAnswers answers;
+    answers.information = {0xC0000000, 100, 90, 412};  // a battery of the system's that counts in percent
+    answers.status = {2, 63, 11893, 0};
+    return slot == 0 ? platform::TranslateBatteryClass(answers) : std::nullopt;
+  }
+};
+
+Subject BatteryClass() {
+  auto machine = std::make_shared<BatteryClassPlatform>();
+  return {machine, machine.get()};
+}
+
+Subject SimulatedBattery() {
+  const std::shared_ptr<simulator::SimulatedMachine> machine = simulator::SimulatedMachine::FromText(
+      R"({"description": "test", "source": "the system's battery driver",
+          "slots": [{"battery": {"cycleCount": 412, "batteryStatus": 64}, "driverStateOfCharge": 70}]})",
+      "here");
+  return {machine, &machine->AsPlatform()};
+}
+
+// The wrapper around a machine with one battery.
+template <typename Wrapper, typename... Arguments>
+Subject AroundABattery(Arguments... arguments) {
+  const Subject inner = SimulatedBattery();
+  auto wrapper = std::make_shared<Wrapper>(*inner.platform, arguments...);
+  return {std::make_shared<std::pair<Subject, std::shared_ptr<Wrapper>>>(inner, wrapper), wrapper.get()};
+}
+
+std::vector<Maker> MakersWithABattery() {
+  std::vector<Maker> makers = SystemMakersWithABattery();
+  makers.push_back({"BatteryClass", BatteryClass});
+  makers.push_back({"Simulated", SimulatedBattery});
+  makers.push_back({"Wrapper", [] { return AroundABattery<PlatformWrapper>(); }});
+  makers.push_back({"Recorder", [] { return AroundABattery<simulator::OperationRecorder>(); }});
+  makers.push_back(
+      {"Injector", [] { return AroundABattery<simulator::FaultInjector>(std::vector<simulator::Fault>()); }});
+  return makers;
+}
+
+// A platform with a battery in slot 0 that has been through 412 cycles, discharges, and by its driver is at 70 percent.
+class BatteryContract : public testing::TestWithParam<Maker> {
+ protected:
+  std::uint32_t Send(std::uint32_t second, unsigned char slot) {
+    const std::array<unsigned char, 128> input{slot};
+    output_.fill(0xAA);
+    std::uint32_t returnCode = 99;
+    EXPECT_EQ(platform_.SendBiosCommand(1, second, 1, input.data(), 128, output_.data(), &returnCode), 0);
+    return returnCode;
+  }
+
+  bool IsOutputUntouched() const {
+    return std::all_of(output_.begin(), output_.end(), [](unsigned char byte) { return byte == 0xAA; });
+  }
+
+  Subject subject_ = GetParam().make();
+  Platform& platform_ = *subject_.platform;
+  std::array<unsigned char, 128> output_{};
+};
+
+TEST_P(BatteryContract, AnswersTheWholeBlock) {
+  EXPECT_EQ(Send(7, 0), 0U);
+  EXPECT_EQ(output_[0x08] + 256 * output_[0x09], 412);
+  EXPECT_EQ(output_[0x12] & 0x40, 0x40) << "discharging";
+  EXPECT_EQ(std::count(output_.begin(), output_.end(), 0xAA), 0) << "every byte is written";
+  const auto first = output_;
+  EXPECT_EQ(Send(7, 0), 0U);
+  EXPECT_EQ(output_, first);
+}
+
+TEST_P(BatteryContract, TheOtherSlotsAreEmpty) {
+  for (const unsigned int slot : {1U, 2U, 255U}) {
+    EXPECT_EQ(Send(7, static_cast<unsigned char>(slot)), 6U);
+    EXPECT_TRUE(IsOutputUntouched());
+  }
+}
+
+TEST_P(BatteryContract, HasNoCellSwellProtection) {
+  EXPECT_EQ(Send(86, 0), 4U);
+  EXPECT_TRUE(IsOutputUntouched());
+}
+
+TEST_P(BatteryContract, SupportsNoOtherCommand) {
+  EXPECT_EQ(Send(8, 0), 4U);
+  EXPECT_TRUE(IsOutputUntouched());
+}
+
+TEST_P(BatteryContract, RefusesACommandWithoutItsBuffers) {
+  const std::array<unsigned char, 128> input{};
+  std::uint32_t returnCode = 99;
+  constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);
+  EXPECT_EQ(platform_.SendBiosCommand(1, 7, 1, nullptr, 128, output_.data(), &returnCode), kInvalidArgument);
+  EXPECT_EQ(platform_.SendBiosCommand(1, 7, 1, input.data(), 0, output_.data(), &returnCode), kInvalidArgument);
+  EXPECT_EQ(platform_.SendBiosCommand(1, 7, 1, input.data(), 128, nullptr, &returnCode), kInvalidArgument);
+  EXPECT_EQ(platform_.SendBiosCommand(1, 7, 1, input.data(), 128, output_.data(), nullptr), kInvalidArgument);
+  EXPECT_EQ(returnCode, 99U);
+}
+
+TEST_P(BatteryContract, TellsItsSourceAndTheDriversStateOfCharge) {
+  EXPECT_EQ(platform_.BatterySource(), "the system's battery driver");
+  EXPECT_EQ(platform_.DriverStateOfCharge(0), 70U);
+  EXPECT_EQ(platform_.DriverStateOfCharge(1), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BatteryContract, testing::ValuesIn(MakersWithABattery()),
                          [](const auto& maker) { return std::string(maker.param.name); });
 
 TEST(CurrentPlatform, IsTheInnermostScopes) {
