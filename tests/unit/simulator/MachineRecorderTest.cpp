@@ -331,6 +331,24 @@ TEST(MachineRecorder, KeepsTheReportThatLiesInTheFolderOfAMachine) {
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "<r>\xC3\xA9</r>");
 }
 
+TEST(MachineRecorder, KeepsTheReportOfAProgramThatRunsOnlyOnce) {
+  const auto machine = MachineWith(R"("testProgram": {"version": "1.2.3.4", "report": "<r/>"},
+      "faults": [{"operation": "RunProgram", "call": 2, "code": 5}])");
+  const auto run = [](platform::Platform& platform) {
+    return platform.RunProgram("C:\\Program Files\\Norv\\BatteryTest.exe");
+  };
+  MachineRecorder recorder(machine->AsPlatform());
+  EXPECT_TRUE(run(recorder));
+  ASSERT_TRUE(recorder.ProgramDataFolder().has_value());
+  EXPECT_FALSE(run(recorder));
+  const auto replayed = SimulatedMachine::FromText(recorder.MachineText(), "the recording");
+  EXPECT_TRUE(run(replayed->AsPlatform()));
+  const auto folder = replayed->AsPlatform().ProgramDataFolder();
+  ASSERT_TRUE(folder.has_value());
+  EXPECT_TRUE(std::filesystem::exists(*folder + "/Quellbrook/Tavenhall/Resources/Temp/Battery.xml"));
+  EXPECT_FALSE(run(replayed->AsPlatform()));
+}
+
 TEST(Answers, FollowOnOneAnotherAndTheLastOneStays) {
   const auto machine = MachineWith(R"("slots": [null, {"battery": {"voltage": 5}}], "answers": [
       {"operation": "SendBiosCommand", "argument": "1,7,1 slot 0", "battery": {"voltage": 1}},

@@ -169,6 +169,22 @@ TEST(Redaction, FindsTheDatesThatARecordFinds) {
   EXPECT_GT(dates, 0);
 }
 
+// A serial number without a date must not come out with one.
+TEST(Redaction, MakesNoDate) {
+  const KeyedHash hash = [](const std::string& value) {
+    std::array<unsigned char, 32> bytes{};
+    bytes.fill(7);
+    if (value.starts_with("serial0")) {
+      bytes = {2, 0, 2, 1, 0, 0, 5, 0, 0, 6};  // the digits of a date
+    }
+    return bytes;
+  };
+  const auto machine = MachineWith(R"("slots": [{"battery": {"serialNumber": "9999-99-99"}}])");
+  const auto replayed = SimulatedMachine::FromText(RecordedText(machine->AsPlatform(), hash), "the recording");
+  NorvBatteries batteries;
+  EXPECT_STREQ(batteries.Query(0)->GetSerialNumber(), "7777-77-77");
+}
+
 constexpr const char* kHomely = R"(
   "modulePath": "C:\\Users\\Jos\u00e9 Karl\\App\\norv-battery-info.dll",
   "slots": [{"battery": {"serialNumber": "A1b2c32021-05-06", "ctNumber": "6ABCDEFGHIJKLM"},
