@@ -21,13 +21,14 @@ namespace {
 // Does `work`, which fills in what was answered, and keeps the call, whether it returns or throws.
 template <typename Work>
 auto Recorded(Tape& tape, RecordedCall call, Work work) {
+  const std::size_t number = tape.Begin(call);
   try {
     auto result = work(call);
-    tape.Add(std::move(call));
+    tape.End(number, std::move(call.outcome), std::move(call.folder));
     return result;
   } catch (...) {
     call.outcome.thrown = DescribeThrown(std::current_exception());
-    tape.Add(std::move(call));
+    tape.End(number, std::move(call.outcome), std::move(call.folder));
     throw;
   }
 }
@@ -78,16 +79,17 @@ class MachineRecorder::Connection : public platform::WmiConnection {
   long Query(const std::wstring& wql) override {
     RecordedCall call = CallOf(kQuery, ToUtf8(wql));
     call.wmiNamespace = namespace_;
-    query_.reset();
     hasObject_ = false;
+    query_ = tape_->Begin(call);
+    Outcome outcome;
     try {
       const long code = inner_->Query(wql);
-      call.outcome.number = code;
-      query_ = tape_->Add(std::move(call));
+      outcome.number = code;
+      tape_->End(*query_, std::move(outcome), {});
       return code;
     } catch (...) {
-      call.outcome.thrown = DescribeThrown(std::current_exception());
-      tape_->Add(std::move(call));
+      outcome.thrown = DescribeThrown(std::current_exception());
+      tape_->End(*query_, std::move(outcome), {});
       throw;
     }
   }

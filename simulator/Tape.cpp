@@ -8,11 +8,17 @@
 
 namespace norv::simulator {
 
-std::size_t Tape::Add(RecordedCall call) {
+std::size_t Tape::Begin(RecordedCall call) {
   const std::lock_guard lock(mutex_);
   last_[std::this_thread::get_id()] = calls_.size();
   calls_.push_back(std::move(call));
   return calls_.size() - 1;
+}
+
+void Tape::End(std::size_t number, Outcome outcome, std::string folder) {
+  const std::lock_guard lock(mutex_);
+  calls_[number].outcome = std::move(outcome);
+  calls_[number].folder = std::move(folder);
 }
 
 void Tape::AddLeftCode(const LeftCode& left) {

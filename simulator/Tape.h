@@ -12,8 +12,10 @@ namespace norv::simulator {
 
 class Tape {
  public:
-  // Keeps a call; its number serves to add to it.
-  std::size_t Add(RecordedCall call);
+  // Keeps a call that is about to be made; its number serves to add to it. On Windows, what this takes would change the
+  // code that the call leaves, if it came after the call.
+  std::size_t Begin(RecordedCall call);
+  void End(std::size_t number, Outcome outcome, std::string folder);
 
   // The code that LastSystemCode gave belongs to the last call of this thread, or stands alone where there was none.
   void AddLeftCode(const LeftCode& left);

@@ -234,7 +234,9 @@ TEST(Redaction, LeavesNothingThatTellsTheOwner) {
   EXPECT_THAT(text, HasSubstr("A1b2c3x"));  // another word
   EXPECT_THAT(text, HasSubstr("\\\\App\\\\norv-battery-info.dll"));
   const auto json = nlohmann::json::parse(text);
-  EXPECT_THAT(json["recordedFrom"]["name"], testing::MatchesRegex("/home/[a-z][a-z][a-z][a-z]/my.json"));
+  const std::string origin = json["recordedFrom"]["name"];
+  EXPECT_EQ(origin.substr(0, 6) + "...." + origin.substr(10), "/home/..../my.json");
+  EXPECT_EQ(Kinds(origin.substr(6, 4)), "aaaa");
   // The test program lies beside the library, whose path has another name in it now.
   const auto replayed = SimulatedMachine::FromText(text, "the recording");
   NorvBatteries batteries(true, true, nullptr, nullptr);
