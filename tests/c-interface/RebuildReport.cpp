@@ -132,6 +132,9 @@ Json BatteryJson(const norv_battery_record* record, std::uint32_t slot) {
   battery["slot"] = slot;
   battery["identity"] = Range(record, NORV_BATTERY_MANUFACTURER, NORV_BATTERY_CT_NUMBER);
   battery["capacity"] = Range(record, NORV_BATTERY_DESIGN_CAPACITY, NORV_BATTERY_DISCHARGE_RATE);
+  // What a system's driver says of the charge beside the block is no field of a record; the samples have none of it.
+  battery["capacity"]["driverStateOfCharge"] = nullptr;
+  battery["capacity"]["driverStateOfChargeDiffers"] = false;
   battery["cells"] = CellsJson(record);
   battery["status"] = StatusJson(record);
   battery["dates"] = dates;
@@ -164,7 +167,8 @@ Json ReportJson(const std::string& sample, const simulator::SimulatedMachine& ma
   options.flags = NORV_BATTERY_READ_CELL_SWELL;
   const Collection collection(&options);
   Json report;
-  report["source"] = {{"kind", "sample"}, {"name", sample}, {"description", machine.Description()}};
+  report["source"] = {
+      {"kind", "sample"}, {"name", sample}, {"description", machine.Description()}, {"channel", "a machine file"}};
   const Json readError = FailureJson(CollectionFailure(collection.Get()));
   Json error = readError;
   Json test;
