@@ -14,7 +14,7 @@
 #include "WriteReport.h"
 #include "decode/Decode.h"
 #include "encode/Encode.h"
-#include "record/Record.h"
+#include "recording/Record.h"
 #include "watch/Watch.h"
 
 namespace norv::tool {

@@ -1,4 +1,4 @@
-#include "record/Record.h"
+#include "recording/Record.h"
 
 #include <array>
 #include <cstdio>
@@ -10,7 +10,7 @@
 #include "ReadReport.h"
 #include "StandardStreams.h"
 #include "norv/simulator/MachineRecorder.h"
-#include "record/Sha256.h"
+#include "recording/Sha256.h"
 
 namespace norv::tool {
 

@@ -1,4 +1,4 @@
-#include "record/Sha256.h"
+#include "recording/Sha256.h"
 
 #include <algorithm>
 #include <bit>
