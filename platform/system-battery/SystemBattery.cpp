@@ -7,12 +7,14 @@
 #include <utility>
 
 #include "../Remarks.h"
+#include "access/BiosRead.h"
 #include "record/BatteryInformationBlock.h"
 
 namespace norv::platform {
 
 namespace {
 
+namespace access = shared::battery::access;
 namespace layout = shared::battery::record;
 using layout::Field;
 
@@ -208,24 +210,22 @@ std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::u
                                std::uint32_t* returnCode,
                                const std::function<std::optional<SystemBattery>(std::uint32_t slot)>& read) {
   constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);  // E_INVALIDARG
-  constexpr std::uint32_t kBatteryInformation = 7;
-  constexpr std::uint32_t kNotSupported = 4;
-  constexpr std::uint32_t kNoBatteryInSlot = 6;
+  constexpr auto kBatteryInformation = static_cast<std::uint32_t>(access::Command::BatteryInformation);
   if (input == nullptr || inputSize == 0 || output == nullptr || returnCode == nullptr) {
     return kInvalidArgument;
   }
   if (first != 1 || second != kBatteryInformation || third != 1) {
-    *returnCode = kNotSupported;
+    *returnCode = access::kNotSupported;
     return 0;
   }
   const std::optional<SystemBattery> battery = read(*input);
   if (!battery.has_value()) {
-    *returnCode = kNoBatteryInSlot;
+    *returnCode = access::kNoBatteryInSlot;
     return 0;
   }
   const FilledBlock filled = FillBatteryBlock(*battery);
   std::copy(filled.block.begin(), filled.block.end(), output);
-  *returnCode = 0;
+  *returnCode = access::kSuccess;
   for (const std::string& complaint : filled.complaints) {
     Remark("Battery index " + std::to_string(*input) + ": " + complaint);
   }
