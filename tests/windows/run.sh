@@ -18,8 +18,8 @@ wineserver -p
 trap StopWine EXIT
 
 rm -rf "$build/reports" && mkdir "$build/reports"  # by no two of the programs at once
-# Wine now and then leaves a program hanging at its very end, when all of its tests have been run. What runs out of time,
-# and nothing else, is tried again.
+# wine.sh keeps Wine's services from holding a program's output open. Should Wine leave one hanging all the same, what runs
+# out of time, and nothing else, is tried again.
 ctest --test-dir "$build" -j "$(nproc)" --no-tests=error --timeout 300 --repeat after-timeout:3 --output-on-failure \
   >"$build/tests.log" 2>&1 ||
   sed -n '/^[[:space:]]*[0-9]* - \| Failure$\|^\[  FAILED\|\*\*\*/p' "$build/tests.log"
