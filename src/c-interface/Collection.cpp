@@ -6,6 +6,7 @@
 #include "c-interface/Guard.h"
 #include "c-interface/Handles.h"
 #include "c-interface/Interface.h"
+#include "diagnostics/MemoryWatch.h"
 
 using norv::shared::battery::NorvBatteryInfo;
 using norv::shared::battery::NorvBatteryTestInfo;
@@ -14,8 +15,8 @@ using norv::shared::battery::c_interface::CopyErrorText;
 using norv::shared::battery::c_interface::Guarded;
 using norv::shared::battery::c_interface::HostChannel;
 using norv::shared::battery::c_interface::HostLog;
-using norv::shared::battery::c_interface::IsOutOfMemory;
 using norv::shared::battery::c_interface::WriteError;
+using norv::shared::battery::diagnostics::MemoryWatch;
 using norv::shared::battery::diagnostics::ScopedLogListener;
 
 namespace {
@@ -35,29 +36,16 @@ norv_battery_status CheckOptions(const norv_battery_options& options) {
   return areKnown ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
 }
 
-// The handle of one slot's record. False when the record, or its cell swell data, was answered and is not there, which
-// nothing but a lack of memory does.
-bool AdoptRecord(norv_battery_collection& collection, unsigned char slot) {
-  const auto& block = collection.channel->Information().at(slot);
-  const auto& cellSwell = collection.channel->CellSwell().at(slot);
-  NorvBatteryInfo* const info = collection.batteries.Query(slot);
-  if (info == nullptr) {
-    return !block;
-  }
-  norv_battery_record& record = collection.records.at(slot).emplace();
-  record.info = info;
-  record.block = block.value();
-  record.cellSwell = cellSwell;
-  return cellSwell.has_value() == (info->GetCellSwellProtectionInfo() != nullptr);
-}
-
-// The collection keeps a failed allocation as its error and goes on. A C host gets its status and no half a collection.
-bool IsWhole(norv_battery_collection& collection) {
-  bool whole = !IsOutOfMemory(collection.batteries.GetError()) && !IsOutOfMemory(collection.test->GetError());
+// The handle of the record of each slot that has one.
+void AdoptRecords(norv_battery_collection& collection) {
   for (unsigned char slot = 0; slot < NORV_BATTERY_SLOT_COUNT; ++slot) {
-    whole = AdoptRecord(collection, slot) && whole;
+    if (NorvBatteryInfo* const info = collection.batteries.Query(slot)) {
+      norv_battery_record& record = collection.records.at(slot).emplace();
+      record.info = info;
+      record.block = collection.channel->Information().at(slot).value();
+      record.cellSwell = collection.channel->CellSwell().at(slot);
+    }
   }
-  return whole;
 }
 
 norv_battery_status Open(const norv_battery_options& options, norv_battery_collection** collection) {
@@ -65,10 +53,13 @@ norv_battery_status Open(const norv_battery_options& options, norv_battery_colle
   auto test = std::make_unique<NorvBatteryTestInfo>();
   HostLog log(options);
   const ScopedLogListener listening(&log);
+  const MemoryWatch memory;
   auto opened = std::make_unique<norv_battery_collection>(options, std::move(channel), std::move(test));
-  if (!IsWhole(*opened)) {
+  // The batteries go on where an allocation failed. A C host gets its status and no half a collection.
+  if (memory.RanOut()) {
     return NORV_BATTERY_OUT_OF_MEMORY;
   }
+  AdoptRecords(*opened);
   *collection = opened.release();
   return NORV_BATTERY_OK;
 }
@@ -131,13 +122,13 @@ norv_battery_status norv_battery_run_test(norv_battery_collection* collection) {
       return NORV_BATTERY_INVALID_ARGUMENT;
     }
     const ScopedLogListener listening(&collection->log);
+    const MemoryWatch memory;
     collection->test->RunBatteryTest();
-    if (collection->batteries.RunBatteryTest()) {
-      return NORV_BATTERY_OK;
+    const bool hasVerdict = collection->batteries.RunBatteryTest();
+    if (memory.RanOut()) {
+      return NORV_BATTERY_OUT_OF_MEMORY;
     }
-    const bool isStarved =
-        IsOutOfMemory(collection->batteries.GetError()) || IsOutOfMemory(collection->test->GetError());
-    return isStarved ? NORV_BATTERY_OUT_OF_MEMORY : NORV_BATTERY_NO_VERDICT;
+    return hasVerdict ? NORV_BATTERY_OK : NORV_BATTERY_NO_VERDICT;
   });
 }
 

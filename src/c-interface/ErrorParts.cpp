@@ -1,7 +1,5 @@
 #include "c-interface/ErrorParts.h"
 
-#include <string_view>
-
 #include "c-interface/Guard.h"
 #include "c-interface/Texts.h"
 
@@ -37,11 +35,6 @@ norv_battery_status CopyErrorText(const error::Error& failure, std::int32_t part
                                   std::size_t* needed) {
   const char* const text = Part(failure, part);
   return text != nullptr ? CopyText(BytesToUtf8(text), buffer, bufferSize, needed) : NORV_BATTERY_INVALID_ARGUMENT;
-}
-
-bool IsOutOfMemory(const error::Error& failure) {
-  return failure && failure.GetCategory() == error::ErrorCategory::StandardException &&
-         std::string_view(failure.GetTypeText()) == "std::bad_alloc";
 }
 
 }  // namespace norv::shared::battery::c_interface

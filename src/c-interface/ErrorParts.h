@@ -14,7 +14,4 @@ norv_battery_status WriteError(const error::Error& failure, norv_battery_error* 
 norv_battery_status CopyErrorText(const error::Error& failure, std::int32_t part, char* buffer, std::size_t bufferSize,
                                   std::size_t* needed);
 
-// True for the failure that an allocation failed.
-bool IsOutOfMemory(const error::Error& failure);
-
 }  // namespace norv::shared::battery::c_interface

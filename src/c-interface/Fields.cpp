@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "access/CellSwellProtectionBlock.h"
-#include "c-interface/ErrorParts.h"
 #include "c-interface/Texts.h"
+#include "diagnostics/MemoryWatch.h"
 #include "record/BatteryInformationBlock.h"
 #include "record/CtNumber.h"
 #include "record/ManufacturerText.h"
@@ -156,9 +156,10 @@ struct Asked {
 
 template <typename Ask>
 Asked AskCopy(const Record& record, Ask ask) {
+  const diagnostics::MemoryWatch memory;
   NorvBatteryInfo copy(*record.info);
   const std::int64_t answer = ask(copy);
-  if (IsOutOfMemory(copy.GetError())) {
+  if (memory.RanOut()) {
     throw std::bad_alloc();
   }
   return {answer, copy.GetError()};

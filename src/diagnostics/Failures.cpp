@@ -1,9 +1,12 @@
 #include "diagnostics/Failures.h"
 
+#include <new>
 #include <string>
 #include <system_error>
 #include <typeinfo>
 #include <utility>
+
+#include "diagnostics/MemoryWatch.h"
 
 namespace norv::shared::battery::diagnostics {
 
@@ -15,6 +18,9 @@ namespace {
 constexpr std::int64_t kStandardExceptionCode = 1;
 
 Error StandardExceptionError(const std::exception& exception, std::string message, const char* operation) {
+  if (dynamic_cast<const std::bad_alloc*>(&exception) != nullptr) {
+    NoteOutOfMemory();
+  }
   return {ErrorCategory::StandardException, kStandardExceptionCode, std::move(message), TypeName(typeid(exception)),
           operation};
 }
@@ -32,6 +38,7 @@ std::string DescribeSystemError(const std::system_error& exception) {
 
 // Without memory for the texts of a failure this one stands in; its own are short enough to need none.
 Error NoMemoryError() {
+  NoteOutOfMemory();
   return {ErrorCategory::StandardException, kStandardExceptionCode, "std::bad_alloc", "std::bad_alloc", ""};
 }
 

@@ -1,5 +1,8 @@
 #include "settings/BiosBatterySettings.h"
 
+#include <new>
+
+#include "diagnostics/MemoryWatch.h"
 #include "norv/shared/wmi/WMIClient.h"
 #include "settings/PlatformExclusion.h"
 
@@ -40,6 +43,8 @@ BiosBatterySettings::BiosBatterySettings() : adaptiveBatteryOptimizer_(kNotSuppo
     if (FindSetting(client, L"Battery Care Function")) {
       client.GetValue(L"Value", batteryCare_);
     }
+  } catch (const std::bad_alloc&) {
+    diagnostics::NoteOutOfMemory();
   } catch (...) {  // NOLINT(bugprone-empty-catch): whatever fails, the texts read so far stand
   }
 }

@@ -1,7 +1,9 @@
 #include "settings/PlatformExclusion.h"
 
+#include <new>
 #include <string>
 
+#include "diagnostics/MemoryWatch.h"
 #include "norv/shared/wmi/WMIClient.h"
 
 namespace norv::shared::battery {
@@ -36,6 +38,8 @@ bool IsPlatformExcluded() noexcept {
     if (ReadFirst(client, L"SELECT * FROM Win32_BIOS", L"Name", name) && name.starts_with(kBiosFamily)) {
       excluded = BiosVersion(name) < kFirstGoodVersion;
     }
+  } catch (const std::bad_alloc&) {
+    diagnostics::NoteOutOfMemory();
   } catch (...) {  // NOLINT(bugprone-empty-catch): what is known so far is the answer
   }
   return excluded;

@@ -7,6 +7,7 @@
 
 #include "Reader.h"
 #include "memory/FailingNew.h"
+#include "norv/simulator/SimulatedMachine.h"
 #include "unit/support/TestBlock.h"
 
 namespace norv::test::c {
@@ -106,6 +107,42 @@ TEST(CInterfaceAllocation, Opening) {
   FailOpening(Options(TwoBatteries, NORV_BATTERY_READ_CELL_SWELL));
   FailOpening(Options(TwoBatteries, NORV_BATTERY_READ_CELL_SWELL | NORV_BATTERY_RUN_TEST));
   FailOpening(Options(NoBatteries, 0));
+}
+
+// What their reader absorbs for want of memory would be told as "Not supported".
+TEST(CInterfaceAllocation, OpeningAMachineWithSettings) {
+  const auto machine = simulator::SimulatedMachine::FromText(R"({"description": "settings", "slots": [], "wmi": {
+      "\\\\.\\root\\cimv2": {"Win32_BaseBoard": [{"Product": "9XQ4"}], "Win32_BIOS": [{"Name": "F.17"}]},
+      "\\\\.\\root\\Norv\\InstrumentedBios": {"Norv_BIOSSetting": [
+        {"Name": "Battery Care Function", "Value": "a text that fills no short buffer"}]}}})",
+                                                             "here");
+  FailOpening(Options(TwoBatteries, 0));
+}
+
+// The first slot's read fails, and the battery test after it: its error is what the collection keeps.
+TEST(CInterfaceAllocation, IsNotHiddenByALaterFailure) {
+  const norv_battery_options options = Options(NoBatteries, NORV_BATTERY_RUN_TEST);
+  bool failed = true;
+  for (std::size_t count = 0; failed; ++count) {
+    norv_battery_collection* collection = nullptr;
+    FailAllocation(count);
+    const norv_battery_status status = norv_battery_open(&options, &collection);
+    failed = StopFailing();
+    EXPECT_EQ(status, failed ? NORV_BATTERY_OUT_OF_MEMORY : NORV_BATTERY_OK) << "allocation " << count;
+    norv_battery_close(collection);
+  }
+}
+
+TEST(CInterfaceAllocation, OfOneRunIsNoneOfTheNext) {
+  const auto machine = simulator::SimulatedMachine::FromText(
+      R"({"description": "a program without a report", "testProgram": {"version": "1.2.3.4", "report": null}})",
+      "here");
+  const norv_battery_options options = Options(TwoBatteries, 0);
+  const Collection collection(&options);
+  FailAllocation(0);
+  EXPECT_EQ(norv_battery_run_test(collection.Get()), NORV_BATTERY_OUT_OF_MEMORY);
+  EXPECT_TRUE(StopFailing());
+  EXPECT_EQ(norv_battery_run_test(collection.Get()), NORV_BATTERY_NO_VERDICT);
 }
 
 TEST(CInterfaceAllocation, RunningTheTest) {
