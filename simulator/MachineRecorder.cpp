@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <exception>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "OperationText.h"
+#include "OrdinaryFile.h"
 #include "PrivateFolder.h"
 #include "RecordedMachine.h"
 #include "Redaction.h"
@@ -62,11 +61,7 @@ std::string Held(const char* buffer, std::uint32_t size, std::uint32_t length) {
 }
 
 std::optional<std::string> ReadReport(const std::string& folder) {
-  std::ifstream file(folder + kReportFile, std::ios::binary);
-  if (!file) {
-    return std::nullopt;
-  }
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  return platform::ReadOrdinaryFile((folder + kReportFile).c_str(), platform::kLargestReport);
 }
 
 }  // namespace

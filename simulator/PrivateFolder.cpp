@@ -4,6 +4,8 @@
 #include <random>
 #include <system_error>
 
+#include "CreatePrivateFolder.h"
+
 namespace norv::simulator {
 
 namespace {
@@ -18,8 +20,7 @@ std::filesystem::path MakeFolder() {
   for (int attempt = 0; !failure && attempt < kAttempts; ++attempt) {
     const std::string number = std::to_string(random()) + std::to_string(random());
     std::filesystem::path folder = parent / ("norv-simulated-machine-" + number);
-    if (std::filesystem::create_directory(folder, failure)) {
-      std::filesystem::permissions(folder, std::filesystem::perms::owner_all, failure);
+    if (CreatePrivateFolder(folder)) {
       return folder;
     }
   }

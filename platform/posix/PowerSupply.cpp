@@ -1,11 +1,14 @@
 #include "PowerSupply.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <filesystem>
 #include <limits>
@@ -13,6 +16,8 @@
 #include <system_error>
 #include <utility>
 #include <vector>
+
+#include "FileDescriptor.h"
 
 namespace norv::platform::posix {
 
@@ -31,24 +36,6 @@ constexpr std::array<StateName, 4> kStates{{
     {"Not charging", ChargeState::NotCharging},
 }};
 
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (descriptor_ >= 0) {
-      ::close(descriptor_);
-    }
-  }
-
-  bool IsOpen() const { return descriptor_ >= 0; }
-  int Number() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
-
 // Firmware pads its texts with blanks, the kernel ends each with a line break.
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kPadding(" \t\r\n\0", 5);
@@ -57,29 +44,44 @@ std::string_view Trimmed(std::string_view text) {
                                          : text.substr(first, text.find_last_not_of(kPadding) - first + 1);
 }
 
+// The folder of the class.
+class ClassFolder {
+ public:
+  explicit ClassFolder(const std::string& path) : folder_(::open(path.c_str(), kFlags)) {}
+
+  // The folder of one supply as a file descriptor; negative when it has none within its bounds.
+  int Open(const std::string& name) const {
+    if (IsKernels()) {
+      return ::openat(folder_.Number(), name.c_str(), kFlags);
+    }
+    open_how how{};
+    how.flags = kFlags;
+    how.resolve = RESOLVE_BENEATH;
+    return static_cast<int>(::syscall(SYS_openat2, folder_.Number(), name.c_str(), &how, sizeof how));
+  }
+
+ private:
+  static constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+
+  bool IsKernels() const {
+    struct statfs system {};
+    return ::fstatfs(folder_.Number(), &system) == 0 && system.f_type == SYSFS_MAGIC;
+  }
+
+  FileDescriptor folder_;
+};
+
 // One supply. Its folder stays open: all that is read belongs to one device, even where that one goes and another comes
 // under its name.
 class Supply {
  public:
-  explicit Supply(const std::filesystem::path& path)
-      : folder_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+  Supply(const ClassFolder& folder, const std::string& name, const AttributeReader& read)
+      : folder_(folder.Open(name)), read_(read) {}
 
   // Nothing when the attribute is missing or cannot be read.
   std::optional<std::string> Text(const char* attribute) const {
-    const FileDescriptor file(folder_.IsOpen() ? ::openat(folder_.Number(), attribute, O_RDONLY | O_CLOEXEC) : -1);
-    std::array<char, 4096> page{};  // no attribute is longer
-    std::size_t length = 0;
-    while (file.IsOpen() && length < page.size()) {
-      const ssize_t count = ::read(file.Number(), page.data() + length, page.size() - length);
-      if (count > 0) {
-        length += static_cast<std::size_t>(count);
-      } else if (count == 0) {
-        return std::string(Trimmed({page.data(), length}));
-      } else if (errno != EINTR) {
-        return std::nullopt;
-      }
-    }
-    return std::nullopt;
+    const auto text = folder_.IsOpen() ? read_(folder_.Number(), attribute) : std::nullopt;
+    return text.has_value() ? std::optional<std::string>(Trimmed(*text)) : std::nullopt;
   }
 
   std::optional<std::int64_t> Number(const char* attribute) const {
@@ -107,6 +109,7 @@ class Supply {
 
  private:
   FileDescriptor folder_;
+  const AttributeReader& read_;
 };
 
 // What does not change while one battery stays in one state. It is read before everything else and after it.
@@ -190,10 +193,11 @@ SystemBattery Describe(const Supply& supply, const Constants& constants) {
 
 // One reading shows one battery in one state: where it was pulled, exchanged or plugged in meanwhile, it is read again.
 // A battery that never rests counts as none.
-std::optional<SystemBattery> ReadSettled(const std::filesystem::path& path) {
+std::optional<SystemBattery> ReadSettled(const ClassFolder& folder, const std::string& name,
+                                         const AttributeReader& read) {
   constexpr int kAttempts = 5;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    const Supply supply(path);
+    const Supply supply(folder, name, read);
     const Constants before = ReadConstants(supply);
     if (!before.isSystemBattery) {
       return std::nullopt;
@@ -234,12 +238,17 @@ bool ComesBefore(std::string_view left, std::string_view right) {
   return left.empty() && !right.empty();
 }
 
+// A folder with more entries than any machine has supplies is not a copy of the class, and has none.
 std::vector<std::string> SupplyNames(const std::string& folder) {
+  constexpr std::size_t kMostSupplies = 1024;
   std::vector<std::string> names;
   std::error_code failure;
   for (std::filesystem::directory_iterator entry(folder, failure), end; !failure && entry != end;
        entry.increment(failure)) {
     names.push_back(entry->path().filename().string());
+    if (names.size() > kMostSupplies) {
+      return {};
+    }
   }
   std::sort(names.begin(), names.end(), ComesBefore);
   return names;
@@ -247,19 +256,26 @@ std::vector<std::string> SupplyNames(const std::string& folder) {
 
 }  // namespace
 
-PowerSupply::PowerSupply(std::string folder) : folder_(std::move(folder)) {
+std::optional<std::string> ReadAttribute(int folder, const char* name) {
+  constexpr std::size_t kLongest = 4095;  // no attribute fills a page
+  std::string text;
+  return ReadOrdinaryFileAt(folder, name, kLongest, text) == 0 ? std::optional(std::move(text)) : std::nullopt;
+}
+
+PowerSupply::PowerSupply(std::string folder, AttributeReader read)
+    : folder_(std::move(folder)), read_(std::move(read)) {
 }
 
 std::optional<SystemBattery> PowerSupply::Read(std::uint32_t slot) const {
+  const ClassFolder folder(folder_);
   std::uint32_t place = 0;
   for (const std::string& name : SupplyNames(folder_)) {
-    const std::filesystem::path path = std::filesystem::path(folder_) / name;
-    if (!Supply(path).IsSystemBattery()) {
+    if (!Supply(folder, name, read_).IsSystemBattery()) {
       continue;
     }
     if (place < slot) {
       ++place;
-    } else if (auto battery = ReadSettled(path)) {
+    } else if (auto battery = ReadSettled(folder, name, read_)) {
       return battery;
     }
   }

@@ -32,6 +32,7 @@ constexpr std::array kTranslations{
     Translation{EBUSY, 170},             // ERROR_BUSY
     Translation{ENOEXEC, 193},           // ERROR_BAD_EXE_FORMAT
     Translation{ENAMETOOLONG, 206},      // ERROR_FILENAME_EXCED_RANGE
+    Translation{EFBIG, 223},             // ERROR_FILE_TOO_LARGE
     Translation{EIO, 1117},              // ERROR_IO_DEVICE
     Translation{ELOOP, 1921},            // ERROR_CANT_RESOLVE_FILENAME
 };
@@ -95,6 +96,7 @@ constexpr std::array kMessages{
     Message{216,
             "This version of %1 is not compatible with the version of Windows you're running. Check your computer's "
             "system information and then contact the software publisher.\r\n"},
+    Message{223, "The file size exceeds the limit allowed and cannot be saved.\r\n"},
     Message{230, "The pipe state is invalid.\r\n"},
     Message{234, "More data is available.\r\n"},
     Message{258, "The wait operation timed out.\r\n"},

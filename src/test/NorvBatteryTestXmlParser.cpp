@@ -1,11 +1,10 @@
 #include "battery/NorvBatteryTestXmlParser.h"
 
-#include <array>
 #include <cstddef>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 
+#include "OrdinaryFile.h"
 #include "diagnostics/Failures.h"
 #include "diagnostics/Log.h"
 #include "norv/platform/Platform.h"
@@ -85,16 +84,12 @@ int NorvBatteryTestXmlParser::GetBatteryStatusFromXMLReport(const char* xmlText)
   }
 }
 
-// A second file is read behind the first.
+// A second file is read behind the first. Whoever may write below the folder for program data may have laid anything
+// there in the report's place; what cannot be read as an ordinary file of a bearable size counts as missing.
 const char* NorvBatteryTestXmlParser::GetFileXMLData(const char* path, unsigned long* systemError) {
   *systemError = 0;
-  std::ifstream file(path);
-  if (file.is_open()) {
-    std::array<char, 4096> chunk{};
-    do {
-      file.read(chunk.data(), chunk.size());
-      state_->report.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
-    } while (file);
+  if (const auto content = platform::ReadOrdinaryFile(path, platform::kLargestReport)) {
+    state_->report += *content;
   } else {
     *systemError = platform::Platform::Current().LastSystemCode();
     Report(error_, ValueError<int>(0, "Battery XML report not found", kReadFile), kReadFile);

@@ -5,8 +5,8 @@
   fixtures.py --tool PROGRAM --blocks PROGRAM --update writes what is expected anew; read what changed before it is kept
 
 Each folder holds "class", a copy of a machine's /sys/class/power_supply, "about.txt" with what is particular to it,
-"blocks.txt" with the expected blocks and "report.txt" with the expected report. What no file can express, such as an
-attribute that changes while it is read, PREPARATIONS adds to a copy of the folder.
+"blocks.txt" with the expected blocks and "report.txt" with the expected report. What cannot be kept beside the sources,
+such as a pipe, PREPARATIONS adds to a copy of the folder.
 """
 
 import argparse
@@ -17,58 +17,26 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import threading
 
 HERE = pathlib.Path(__file__).resolve().parent
 FIXTURES = HERE.parent / "fixtures" / "power-supply"
 PATIENCE = 60
 
 
-def answer_with(path, *answers):
-    """Lets the answers meet the reads of `path` one after another; the last one stays. An answer is a text, or a function
-    that gives one. There is a pipe for each: to open it waits for the reader, and by then the next one lies in its place."""
-    path.unlink(missing_ok=True)
-    os.mkfifo(path)
-
-    def write():
-        for position, answer in enumerate(answers):
-            with open(path, "w", encoding="utf-8") as pipe:
-                text = answer() if callable(answer) else answer
-                following = path.parent.parent.parent / "following"
-                if position + 1 < len(answers):
-                    os.mkfifo(following)
-                else:
-                    following.write_text(text, encoding="utf-8")
-                try:
-                    following.rename(path)
-                except FileNotFoundError:  # the folder went with its battery
-                    following.unlink()
-                pipe.write(text)
-
-    threading.Thread(target=write, daemon=True).start()
+def lay_other_things(folder):
+    """In the place of files. Whoever reads to the end of the pipe or of the device never comes to it."""
+    battery = folder / "BAT0"
+    for name in ("capacity", "cycle_count", "serial_number", "voltage_now"):
+        (battery / name).unlink()
+    os.mkfifo(battery / "capacity")
+    (battery / "cycle_count").mkdir()
+    (battery / "serial_number").symlink_to("/dev/zero")
+    (battery / "voltage_now").symlink_to("/proc/self/mem")
+    shutil.copytree(battery, folder.parent / "elsewhere", ignore=lambda _, names: set(names) - {"type", "model_name"})
+    (folder / "BAT1").symlink_to("../elsewhere")
 
 
-def change_status(folder):
-    answer_with(folder / "BAT0" / "status", "Discharging\n", "Charging\n")
-
-
-def make_unreadable(folder):
-    for name in ("voltage_now", "serial_number", "capacity"):
-        (folder / "BAT0" / name).unlink()
-        (folder / "BAT0" / name).symlink_to("/proc/self/mem")  # whose first page no process has
-    (folder / "BAT0" / "cycle_count").unlink()
-    (folder / "BAT0" / "cycle_count").mkdir()
-
-
-def remove_while_read(folder):
-    def remove():
-        shutil.rmtree(folder / "BAT0")
-        return "11893000\n"
-
-    answer_with(folder / "BAT0" / "voltage_now", remove)
-
-
-PREPARATIONS = {"changing-values": change_status, "io-error": make_unreadable, "removed-while-read": remove_while_read}
+PREPARATIONS = {"no-ordinary-files": lay_other_things}
 
 
 def output_of(name, *command):

@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -16,8 +15,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 #include "norv/platform/PowerSupplyPlatform.h"
@@ -69,36 +66,21 @@ class PowerSupplyFolder : public testing::Test {
     return names;
   }
 
-  // What slot 0 reads while the functions answer the reads of one attribute of BAT0 one after another; the last answer
-  // stays. A pipe for each answer: to open it waits for the reader, and by then the next one lies in its place.
+  // What slot 0 reads while the functions answer the reads of one attribute one after another; the last answer stays.
   std::optional<SystemBattery> ReadWhile(const std::string& attribute,
                                          const std::vector<std::function<std::string()>>& answers) const {
-    const fs::path path = folder_ / "BAT0" / attribute;
-    const fs::path next = folder_ / "next";
-    fs::remove(path);
-    EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
-    std::atomic<bool> done = false;
-    std::thread writer([&] {
-      for (std::size_t index = 0; index < answers.size(); ++index) {
-        std::ofstream pipe(path);
-        const std::string answer = answers[index]();
-        if (index + 1 < answers.size()) {
-          EXPECT_EQ(::mkfifo(next.c_str(), 0600), 0);
-        } else {
-          std::ofstream(next) << answer;
-        }
-        std::error_code gone;  // with its folder, perhaps
-        fs::rename(next, path, gone);
-        pipe << answer;
+    std::size_t asked = 0;
+    std::string answer;
+    const auto read = [&](int folder, const char* name) {
+      if (name != attribute) {
+        return platform::posix::ReadAttribute(folder, name);
       }
-      done = true;
-    });
-    const auto battery = Read();
-    while (!done) {  // answers that nobody asked for
-      std::ifstream(path).get();
-    }
-    writer.join();
-    return battery;
+      if (asked < answers.size()) {
+        answer = answers[asked++]();
+      }
+      return std::optional(answer);
+    };
+    return PowerSupply(folder_.string(), read).Read(0);
   }
 
   fs::path folder_;
@@ -229,18 +211,41 @@ TEST_F(PowerSupplyFolder, TakesTheYear0ForADateThatIsNotKnown) {
   EXPECT_EQ(Read()->manufactureDate->day, -1);
 }
 
-TEST_F(PowerSupplyFolder, AnAttributeThatCannotBeReadIsNotKnown) {
+TEST_F(PowerSupplyFolder, AnAttributeThatIsNoOrdinaryFileIsNotKnown) {
   WriteBattery("BAT0", {{"cycle_count", "5"}, {"serial_number", "7"}});
   fs::create_directory(folder_ / "BAT0" / "voltage_now");
-  fs::create_symlink("/proc/self/mem", folder_ / "BAT0" / "capacity");  // an I/O error
-  fs::create_symlink("nowhere", folder_ / "BAT0" / "manufacturer");
+  ASSERT_EQ(::mkfifo((folder_ / "BAT0" / "capacity").c_str(), 0600), 0);
+  fs::create_symlink("serial_number", folder_ / "BAT0" / "manufacturer");
+  fs::create_symlink("/dev/zero", folder_ / "BAT0" / "power_now");
   std::ofstream(folder_ / "BAT0" / "temp") << std::string(5000, '1');
   const auto battery = Read();
   ASSERT_TRUE(battery.has_value());
-  EXPECT_FALSE(battery->voltage || battery->stateOfCharge || battery->temperature);
+  EXPECT_FALSE(battery->voltage || battery->stateOfCharge || battery->temperature || battery->power);
   EXPECT_EQ(battery->manufacturer, "");
   EXPECT_EQ(battery->serialNumber, "7");
   EXPECT_EQ(battery->cycleCount, 5);
+}
+
+TEST_F(PowerSupplyFolder, FollowsLinksWithinItselfOnly) {
+  WriteBattery("class/devices/inside");
+  WriteBattery("outside");
+  fs::create_symlink("devices/inside", folder_ / "class" / "BAT0");
+  fs::create_symlink("../outside", folder_ / "class" / "BAT1");
+  fs::create_symlink(folder_ / "outside", folder_ / "class" / "BAT2");
+  const PowerSupply supplies((folder_ / "class").string());
+  ASSERT_TRUE(supplies.Read(0).has_value());
+  EXPECT_EQ(supplies.Read(0)->deviceName, "class/devices/inside");
+  EXPECT_FALSE(supplies.Read(1).has_value());
+}
+
+TEST_F(PowerSupplyFolder, OfMoreEntriesThanAMachineHasSuppliesIsNone) {
+  WriteBattery("BAT0");
+  for (int index = 1; index < 1024; ++index) {
+    std::ofstream(folder_ / std::to_string(index));
+  }
+  EXPECT_TRUE(Read().has_value());
+  std::ofstream(folder_ / "one more");
+  EXPECT_FALSE(Read().has_value());
 }
 
 TEST_F(PowerSupplyFolder, ReadsAgainWhereTheStateChangedMeanwhile) {
