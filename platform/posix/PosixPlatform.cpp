@@ -1,17 +1,18 @@
-#include <dlfcn.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string>
+#include <string_view>
 
+#include "../OrdinaryFile.h"
 #include "../SystemPlatform.h"
 #include "../system-battery/SystemBattery.h"
+#include "OwnModule.h"
 #include "PowerSupply.h"
 #include "RunProgram.h"
 #include "SystemCodes.h"
@@ -30,18 +31,34 @@ void SetLastCode(std::uint32_t code) {
   errno = 0;
 }
 
-// The library joins folder and file with a backslash.
-std::string NativePath(const char* path) {
-  std::string native = path;
-  std::replace(native.begin(), native.end(), '\\', '/');
+// The library joins folder and program with a backslash; any other one is a character of a name. Nothing for a path
+// that does not begin at the root: the working folder is not for the library to run programs from, and without a folder
+// is what the library makes of its own path when that is not known.
+std::optional<std::string> NativeProgram(const char* path) {
+  std::string native = path != nullptr ? path : "";
+  if (!native.starts_with('/')) {
+    SetLastCode(posix::kBadPathName);
+    return std::nullopt;
+  }
+  native[native.find_last_of("\\/")] = '/';
   return native;
 }
 
-// "1.2.3.4" and no more than blanks behind it.
-std::optional<ProductVersion> ParseVersion(const std::string& text) {
+// False, with the reason as the last code, for everything but an ordinary file.
+bool IsOrdinaryFile(const std::string& path) {
+  struct stat status {};
+  const int failure = stat(path.c_str(), &status) != 0 ? errno : S_ISREG(status.st_mode) ? 0 : EACCES;
+  if (failure != 0) {
+    SetLastCode(posix::SystemCode(failure));
+  }
+  return failure == 0;
+}
+
+// "1.2.3.4" in the first line, and no more than blanks behind it.
+std::optional<ProductVersion> ParseVersion(std::string_view text) {
   std::array<std::uint16_t, 4> numbers{};
   const char* position = text.data();
-  const char* const end = position + text.size();
+  const char* const end = position + std::min(text.find('\n'), text.size());
   for (std::size_t index = 0; index < numbers.size(); ++index) {
     if (index > 0 && (position == end || *position++ != '.')) {
       return std::nullopt;
@@ -54,17 +71,6 @@ std::optional<ProductVersion> ParseVersion(const std::string& text) {
   }
   const bool whole = std::all_of(position, end, [](char blank) { return blank == ' ' || blank == '\r'; });
   return whole ? std::optional(ProductVersion{numbers[0], numbers[1], numbers[2], numbers[3]}) : std::nullopt;
-}
-
-// The file that this code was loaded from.
-std::filesystem::path ModulePath() {
-  Dl_info module{};
-  if (dladdr(reinterpret_cast<const void*>(&ModulePath), &module) == 0 || module.dli_fname == nullptr) {
-    return {};
-  }
-  std::error_code failure;
-  const auto path = std::filesystem::canonical(module.dli_fname, failure);
-  return failure ? std::filesystem::path() : path;
 }
 
 std::optional<SystemBattery> ReadBattery(std::uint32_t slot) {
@@ -86,7 +92,11 @@ class PosixPlatform : public Platform {
   }
 
   bool RunProgram(const char* path) override {
-    const int failure = posix::RunProgram(NativePath(path).c_str());
+    const std::optional<std::string> program = NativeProgram(path);
+    if (!program.has_value()) {
+      return false;
+    }
+    const int failure = posix::RunProgram(program->c_str());
     if (failure != 0) {
       SetLastCode(posix::SystemCode(failure));
     }
@@ -96,16 +106,13 @@ class PosixPlatform : public Platform {
   // A program file has no version resource here; a text file beside it, with ".version" behind the program's name, does
   // its work.
   bool ReadProductVersion(const char* path, ProductVersion& version) override {
-    const std::string program = NativePath(path);
-    std::error_code failure;
-    if (!std::filesystem::exists(program, failure)) {
-      SetLastCode(failure ? posix::SystemCode(failure.value()) : posix::kFileNotFound);
+    const std::optional<std::string> program = NativeProgram(path);
+    if (!program.has_value() || !IsOrdinaryFile(*program)) {
       return false;
     }
-    std::ifstream file(program + ".version");
-    std::string line;
-    std::getline(file, line);
-    const auto parsed = ParseVersion(line);
+    constexpr std::size_t kLongestVersionFile = 4096;
+    const auto parsed =
+        ParseVersion(ReadOrdinaryFile((*program + ".version").c_str(), kLongestVersionFile).value_or(""));
     if (!parsed) {
       SetLastCode(posix::kResourceDataNotFound);
       return false;
@@ -114,14 +121,19 @@ class PosixPlatform : public Platform {
     return true;
   }
 
+  // A backslash in the file's own name would be taken for the end of the folder: then the path is not known.
   std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override {
-    const std::string path = ModulePath().string();
+    if (size == 0) {
+      return 0;
+    }
+    const bool canBeTold = posix::OwnName().find('\\') == std::string::npos;
+    const std::string path = canBeTold ? posix::OwnPath().value_or("") : "";
     const std::size_t length = path.copy(buffer, size - 1);
     buffer[length] = '\0';
     return static_cast<std::uint32_t>(length);
   }
 
-  std::wstring ModuleName() override { return ModulePath().filename().wstring(); }
+  std::wstring ModuleName() override { return std::filesystem::path(posix::OwnName()).wstring(); }
 
   std::optional<std::string> ProgramDataFolder() override {
     const char* folder = std::getenv("ProgramData");

@@ -2,9 +2,11 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cwchar>
+
+#include "NarrowPath.h"
 
 namespace norv::platform::windows {
 
@@ -20,20 +22,25 @@ HMODULE OwnHandle() {
   return GetModuleHandleExW(kFlags, kOwnText, &module) != FALSE ? module : nullptr;
 }
 
+// Without a handle the system would answer with the path of the host.
+std::wstring WidePath() {
+  constexpr std::size_t kLongestPath = 32767;
+  const HMODULE module = OwnHandle();
+  std::wstring path(module != nullptr ? kLongestPath + 1 : 0, L'\0');
+  path.resize(module != nullptr ? GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())) : 0);
+  return path;
+}
+
 }  // namespace
 
 std::uint32_t OwnPath(char* buffer, std::uint32_t size) {
   if (size == 0) {
     return 0;
   }
-  buffer[0] = '\0';
-  const HMODULE module = OwnHandle();
-  // Without a handle the system would answer with the path of the host.
-  const DWORD length = module != nullptr ? GetModuleFileNameA(module, buffer, size) : 0;
-  // A path that was cut is reported as long as the buffer, whose last byte not every version of Windows sets to zero.
-  const std::uint32_t written = std::min<std::uint32_t>(length, size - 1);
+  const std::string path = NarrowPath(WidePath()).value_or("");
+  const std::size_t written = path.copy(buffer, size - 1);
   buffer[written] = '\0';
-  return written;
+  return static_cast<std::uint32_t>(written);
 }
 
 std::wstring OwnName() {

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "NarrowPath.h"
+
 namespace norv::platform::windows {
 
 namespace {
@@ -29,6 +31,10 @@ class StartedProcess {
 }  // namespace
 
 bool RunProgram(const char* path) {
+  if (!IsFullPath(path)) {
+    SetLastError(ERROR_BAD_PATHNAME);
+    return false;
+  }
   STARTUPINFOA startup{};
   static_assert(sizeof startup == 104);
   startup.cb = sizeof startup;

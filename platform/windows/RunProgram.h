@@ -3,7 +3,8 @@
 
 namespace norv::platform::windows {
 
-// False, with the last-error code telling why, when the program could not be started.
+// Only by a full path: what another one names depends on the host's working folder or drive. False, with the last-error
+// code telling why, when the program could not be started.
 bool RunProgram(const char* path);
 
 }  // namespace norv::platform::windows

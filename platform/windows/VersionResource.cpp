@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "LastErrorKeeper.h"
+#include "NarrowPath.h"
 
 namespace norv::platform::windows {
 
@@ -29,6 +30,10 @@ std::optional<ProductVersion> FindProductVersion(const std::vector<unsigned char
 }  // namespace
 
 std::optional<ProductVersion> ReadProductVersion(const char* path) {
+  if (!IsFullPath(path)) {
+    SetLastError(ERROR_BAD_PATHNAME);
+    return std::nullopt;
+  }
   LastErrorKeeper lastError;
   const DWORD size = GetFileVersionInfoSizeA(path, nullptr);
   if (size == 0) {

@@ -9,6 +9,7 @@
 #include "../system-battery/SystemBattery.h"
 #include "BatteryDevices.h"
 #include "InvalidParameter.h"
+#include "NarrowPath.h"
 #include "OwnModule.h"
 #include "RunProgram.h"
 #include "VersionResource.h"
@@ -20,15 +21,15 @@ namespace {
 
 // A copy of the process's own variable: the C runtimes of host and library may each hold theirs, taken at different
 // times. A value that grows between being measured and being read is measured anew.
-std::optional<std::string> EnvironmentValue(const char* name) {
-  std::string value;
-  DWORD needed = GetEnvironmentVariableA(name, nullptr, 0);
+std::wstring EnvironmentValue(const wchar_t* name) {
+  std::wstring value;
+  DWORD needed = GetEnvironmentVariableW(name, nullptr, 0);
   while (needed > value.size()) {
     value.resize(needed);
-    needed = GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size()));
+    needed = GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
   }
   value.resize(needed);
-  return value.empty() ? std::nullopt : std::optional(value);
+  return value;
 }
 
 class WindowsPlatform : public Platform {
@@ -57,7 +58,10 @@ class WindowsPlatform : public Platform {
 
   std::wstring ModuleName() override { return windows::OwnName(); }
 
-  std::optional<std::string> ProgramDataFolder() override { return EnvironmentValue("ProgramData"); }
+  std::optional<std::string> ProgramDataFolder() override {
+    const std::wstring folder = EnvironmentValue(L"ProgramData");
+    return folder.empty() ? std::nullopt : windows::NarrowPath(folder);
+  }
 
   std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override {
     constexpr DWORD kLanguage = MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT);

@@ -1,7 +1,9 @@
 #include "battery/NorvBatteryTestInfo.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "battery/NorvBatteryTestXmlParser.h"
 #include "diagnostics/Failures.h"
@@ -22,12 +24,29 @@ namespace {
 constexpr const char* kRun = "norv::shared::battery::NorvBatteryTestInfo::RunBatteryTest";
 constexpr const char* kReadVersion = "norv::shared::battery::NorvBatteryTestInfo::RetrieveTestResultVersion";
 
-// The test program lies beside the library. A path that is too long is cut, as the system cuts it.
-std::string TestProgramPath() {
-  std::array<char, 260> buffer{};
-  platform::Platform::Current().LibraryPath(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
+constexpr std::size_t kPathSize = 260;  // MAX_PATH
+
+// Cut where it does not fit into `Size` bytes, as the system cuts it.
+template <std::size_t Size>
+std::string LibraryPath() {
+  std::array<char, Size> buffer{};
+  platform::Platform::Current().LibraryPath(buffer.data(), Size);
   buffer.back() = '\0';
-  const std::string library = buffer.data();
+  return buffer.data();
+}
+
+// Why a program beside `library` is not known to lie beside the library; null when it is.
+const char* Doubt(const std::string& library) {
+  if (library.empty()) {
+    return "the path of the library is not known, or names another file by now";
+  }
+  // A path that fills the buffer may be whole or cut. One more byte tells.
+  const bool isCut = library.size() == kPathSize - 1 && LibraryPath<kPathSize + 1>() != library;
+  return isCut ? "the path of the library is longer than 259 characters" : nullptr;
+}
+
+// The test program lies beside the library.
+std::string TestProgramPath(const std::string& library) {
   return library.substr(0, library.find_last_of("\\/")) + "\\BatteryTest.exe";
 }
 
@@ -78,14 +97,19 @@ void NorvBatteryTestInfo::RunBatteryTest() {
 // What goes wrong with the report stays with its parser: the status is then -1 and this object has no failure of its
 // own.
 int NorvBatteryTestInfo::RunProgramAndReadStatus() {
-  const std::string path = TestProgramPath();
-  Log(Severity::Info, kRun, {"BatteryTest exe path = ", path});
-  if (!RetrieveTestResultVersion(path.c_str())) {
+  const std::string library = LibraryPath<kPathSize>();
+  const std::string program = TestProgramPath(library);
+  Log(Severity::Info, kRun, {"BatteryTest exe path = ", program});
+  const char* const doubt = Doubt(library);
+  if (doubt != nullptr) {
+    Log(Severity::Error, kRun, {"BatteryTest.exe is not started: ", doubt});
+  }
+  if (!RetrieveTestResultVersion(program.c_str())) {
     Report(error_, ValueError<int>(0, "Error getting version of BatteryTest.exe", kRun), kRun);
     return kNoVerdict;
   }
   NorvBatteryTestXmlParser parser;
-  if (!parser.GenerateBatteryTestXMLReport(path.c_str())) {
+  if (doubt != nullptr || !parser.GenerateBatteryTestXMLReport(program.c_str())) {
     Report(error_, ValueError<int>(0, "Error parsing the BatteryTest XML report", kRun), kRun);
     return kNoVerdict;
   }

@@ -82,6 +82,25 @@ TEST_F(BatteryTestProgram, IsNotStartedWithoutAVersionResource) {
   EXPECT_FALSE(ProgramHasRun());
 }
 
+// The system's 8-bit encoding takes an "a" for the library's folder.
+TEST_F(BatteryTestProgram, OfAFolderOfASimilarNameIsNotStarted) {
+  if (GetACP() == CP_UTF8) {
+    GTEST_SKIP() << "an encoding that has every character";
+  }
+  fs::create_directories(folder_ / "a");
+  fs::copy_file(NORV_BATTERY_TEST_PROGRAM, folder_ / "a" / "BatteryTest.exe");
+  const fs::path whole = folder_;
+  folder_ /= L"\x0103";
+  fs::create_directories(folder_);
+  fs::copy_file(NORV_BATTERY_TEST_HOST, folder_ / "host.exe");
+  fs::copy_file(NORV_BATTERY_LIBRARY, folder_ / "norv-battery-info.dll");
+  const Lines lines = Run();
+  folder_ = whole;
+  EXPECT_EQ(lines, (Lines{"-1", "NOT_DEFINED", "0.0.0.0", "Error getting version of BatteryTest.exe",
+                          "norv-battery-info.dll"}));
+  EXPECT_FALSE(ProgramHasRun());
+}
+
 TEST_F(BatteryTestProgram, MayBeMissing) {
   EXPECT_EQ(Run(), (Lines{"-1", "NOT_DEFINED", "0.0.0.0", "Error getting version of BatteryTest.exe",
                           "norv-battery-info.dll"}));

@@ -14,6 +14,7 @@
 #include "norv/platform/Platform.h"
 #include "windows/BatteryDevices.h"
 #include "windows/LastErrorKeeper.h"
+#include "windows/NarrowPath.h"
 
 namespace norv::test {
 namespace {
@@ -24,6 +25,9 @@ using platform::ProductVersion;
 
 class WindowsPlatform : public testing::Test {
  protected:
+  // What the build tells begins at the root of the current drive.
+  static std::string TestProgram() { return fs::absolute(NORV_BATTERY_TEST_PROGRAM).string(); }
+
   WindowsPlatform() : folder_(fs::temp_directory_path() / ("norv-battery-" + std::to_string(GetCurrentProcessId()))) {
     fs::create_directories(folder_);
   }
@@ -61,7 +65,7 @@ TEST_F(WindowsPlatform, HasNoCellSwellProtectionData) {
 TEST_F(WindowsPlatform, RunsAProgramToItsEnd) {
   SetEnvironmentVariableA("ProgramData", folder_.string().c_str());
   SetEnvironmentVariableA("NORV_BATTERY_TEST_STATUS", "33");
-  EXPECT_TRUE(platform_.RunProgram(NORV_BATTERY_TEST_PROGRAM));
+  EXPECT_TRUE(platform_.RunProgram(TestProgram().c_str()));
   std::ifstream report(folder_ / "Quellbrook/Tavenhall/Resources/Temp/Battery.xml");
   std::string content;
   EXPECT_TRUE(std::getline(report, content) && std::getline(report, content));
@@ -70,7 +74,7 @@ TEST_F(WindowsPlatform, RunsAProgramToItsEnd) {
 
 TEST_F(WindowsPlatform, AProgramThatFailsHasRunAllTheSame) {
   SetEnvironmentVariableA("NORV_BATTERY_TEST_STATUS", nullptr);
-  EXPECT_TRUE(platform_.RunProgram(NORV_BATTERY_TEST_PROGRAM));
+  EXPECT_TRUE(platform_.RunProgram(TestProgram().c_str()));
 }
 
 TEST_F(WindowsPlatform, TellsWhyAProgramCannotBeStarted) {
@@ -80,9 +84,26 @@ TEST_F(WindowsPlatform, TellsWhyAProgramCannotBeStarted) {
   EXPECT_EQ(platform_.LastSystemCode(), DWORD{ERROR_PATH_NOT_FOUND});
 }
 
+TEST_F(WindowsPlatform, RefusesAProgramWithoutAFullPath) {
+  const std::string drive = TestProgram().substr(0, 2);
+  const std::string onTheDrive = TestProgram().substr(2);
+  const fs::path before = fs::current_path();
+  fs::current_path(fs::path(TestProgram()).parent_path());
+  for (const std::string& path : {fs::path(TestProgram()).filename().string(), onTheDrive,
+                                  drive + fs::path(TestProgram()).filename().string(), std::string()}) {
+    EXPECT_FALSE(platform_.RunProgram(path.c_str())) << path;
+    EXPECT_EQ(platform_.LastSystemCode(), DWORD{ERROR_BAD_PATHNAME}) << path;
+    ProductVersion version;
+    EXPECT_FALSE(platform_.ReadProductVersion(path.c_str(), version)) << path;
+    EXPECT_EQ(platform_.LastSystemCode(), DWORD{ERROR_BAD_PATHNAME}) << path;
+  }
+  fs::current_path(before);
+  EXPECT_FALSE(platform_.RunProgram(nullptr));
+}
+
 TEST_F(WindowsPlatform, ReadsTheProductVersionAndNotTheFileVersion) {
   ProductVersion version;
-  EXPECT_TRUE(platform_.ReadProductVersion(NORV_BATTERY_TEST_PROGRAM, version));
+  EXPECT_TRUE(platform_.ReadProductVersion(TestProgram().c_str(), version));
   EXPECT_EQ((std::array<int, 4>{version.major, version.minor, version.build, version.revision}),
             (std::array<int, 4>{1, 2, 3, 4}));
 }
@@ -90,7 +111,7 @@ TEST_F(WindowsPlatform, ReadsTheProductVersionAndNotTheFileVersion) {
 TEST_F(WindowsPlatform, LibraryAndToolCarryTheProjectsVersion) {
   for (const char* file : {NORV_BATTERY_LIBRARY, NORV_BATTERY_TOOL}) {
     ProductVersion version{9, 9, 9, 9};
-    EXPECT_TRUE(platform_.ReadProductVersion(file, version)) << file;
+    EXPECT_TRUE(platform_.ReadProductVersion(fs::absolute(file).string().c_str(), version)) << file;
     EXPECT_EQ(std::to_string(version.major) + '.' + std::to_string(version.minor) + '.' + std::to_string(version.build),
               NORV_BATTERY_VERSION)
         << file;
@@ -100,7 +121,8 @@ TEST_F(WindowsPlatform, LibraryAndToolCarryTheProjectsVersion) {
 
 TEST_F(WindowsPlatform, AFileWithoutAResourceHasNoVersion) {
   ProductVersion version{9, 9, 9, 9};
-  EXPECT_FALSE(platform_.ReadProductVersion(NORV_BATTERY_TEST_PROGRAM_WITHOUT_VERSION, version));
+  EXPECT_FALSE(
+      platform_.ReadProductVersion(fs::absolute(NORV_BATTERY_TEST_PROGRAM_WITHOUT_VERSION).string().c_str(), version));
   EXPECT_TRUE(platform_.LastSystemCode() == ERROR_RESOURCE_DATA_NOT_FOUND ||
               platform_.LastSystemCode() == ERROR_RESOURCE_TYPE_NOT_FOUND)
       << platform_.LastSystemCode();
@@ -117,6 +139,18 @@ TEST_F(WindowsPlatform, ReadsProgramDataFromTheEnvironment) {
   const std::string longer(3000, 'x');
   SetEnvironmentVariableA("ProgramData", longer.c_str());
   EXPECT_EQ(platform_.ProgramDataFolder(), longer);
+}
+
+TEST_F(WindowsPlatform, TakesNoSimilarCharacters) {
+  EXPECT_EQ(platform::windows::NarrowPath(L"C:\\some where"), "C:\\some where");
+  EXPECT_EQ(platform::windows::NarrowPath(L""), "");
+  const std::wstring half = L"C:\\\xD800";
+  EXPECT_EQ(platform::windows::NarrowPath(half), std::nullopt) << "half a character, in no encoding";
+  SetEnvironmentVariableW(L"ProgramData", half.c_str());
+  EXPECT_EQ(platform_.ProgramDataFolder(), std::nullopt);
+  if (GetACP() != CP_UTF8) {
+    EXPECT_EQ(platform::windows::NarrowPath(L"C:\\\x0103"), std::nullopt) << "an \"a\" in many encodings";
+  }
 }
 
 TEST_F(WindowsPlatform, AFileThatCannotBeOpenedHasItsCode) {

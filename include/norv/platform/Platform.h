@@ -72,15 +72,18 @@ class NORV_BATTERY_API Platform {
   virtual long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<WmiConnection>& connection) = 0;
 
   // Starts the program file `path` without arguments and waits, without a time limit, until it has ended. True once it
-  // has; its exit code is not looked at. False when it could not be started: LastSystemCode() says why.
+  // has; its exit code is not looked at. False when it could not be started: LastSystemCode() says why. A path that is
+  // not a full one is refused. Its last separator may be a backslash on every system, which is how the library joins
+  // its folder and the program; elsewhere than on Windows a backslash further up is a character of a folder's name.
   virtual bool RunProgram(const char* path) = 0;
 
-  // Reads the product version of the file `path`. False, with `version` unchanged, when it has none or cannot be read:
-  // LastSystemCode() says why.
+  // Reads the product version of the program file `path`, which is a path as above. False, with `version` unchanged,
+  // when it has none or cannot be read: LastSystemCode() says why.
   virtual bool ReadProductVersion(const char* path, ProductVersion& version) = 0;
 
   // Writes the full path of the file that the library was loaded from, zero-terminated and cut to `size` bytes. Returns
-  // the number of characters written, 0 (and `buffer` holding an empty text) when it is not known.
+  // the number of characters written, 0 (and `buffer` holding an empty text) when it is not known or not the path of
+  // that file any more.
   virtual std::uint32_t LibraryPath(char* buffer, std::uint32_t size) = 0;
 
   // The name, without its folder, of the file that the library was loaded from; empty when it is not known.
@@ -95,7 +98,7 @@ class NORV_BATTERY_API Platform {
   virtual std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) = 0;
 
   // Why the last system operation of this thread failed. Meaningful directly after a failure only, be it one of an
-  // operation above or of a file that the standard library could not open.
+  // operation above or of a file that could not be read.
   virtual std::uint32_t LastSystemCode() = 0;
 
   // Reports a null pointer where a function of the C runtime would have refused it: errno becomes EINVAL and, on

@@ -15,6 +15,7 @@
 #include <sstream>
 #include <string>
 
+#include "CreatePrivateFolder.h"
 #include "battery/NorvBatteries.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
@@ -69,6 +70,49 @@ TEST_F(PosixPlatform, TakesBackslashesInAPath) {
   Program("echo x > " + mark.string());
   EXPECT_TRUE(Platform::Current().RunProgram((folder_.string() + "\\program").c_str()));
   EXPECT_TRUE(fs::exists(mark));
+}
+
+TEST_F(PosixPlatform, TakesNoOtherBackslashForASeparator) {
+  fs::create_directories(folder_ / "a" / "b");
+  fs::create_directories(folder_ / "a\\b");
+  Write("a/b/program", "#!/bin/sh\n", 0755);
+  const std::string program = folder_.string() + "/a\\b\\program";
+  EXPECT_FALSE(Platform::Current().RunProgram(program.c_str()));
+  EXPECT_EQ(Platform::Current().LastSystemCode(), 2U);
+  Write("a\\b/program", "#!/bin/sh\n", 0755);
+  EXPECT_TRUE(Platform::Current().RunProgram(program.c_str()));
+  EXPECT_TRUE(Run(folder_ / "a\\b" / "program"));
+}
+
+TEST_F(PosixPlatform, RefusesAProgramWithoutAFullPath) {
+  Program("exit 0");
+  Write("program.version", "1.2.3.4");
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_);
+  for (const char* path : {"program", "./program", "", "\\program", ".\\program", static_cast<const char*>(nullptr)}) {
+    SCOPED_TRACE(path != nullptr ? path : "null");
+    EXPECT_FALSE(Platform::Current().RunProgram(path));
+    EXPECT_EQ(Platform::Current().LastSystemCode(), 161U);
+    ProductVersion version;
+    EXPECT_FALSE(Platform::Current().ReadProductVersion(path, version));
+    EXPECT_EQ(Platform::Current().LastSystemCode(), 161U);
+  }
+  fs::current_path(before);
+}
+
+// These tests hold the library's objects themselves; the name by which they were started is not theirs to trust.
+TEST_F(PosixPlatform, TheLibrarysPathIsTheProgramsWhateverItIsCalled) {
+  std::array<char, 4096> path{};
+  Platform::Current().LibraryPath(path.data(), path.size());
+  EXPECT_EQ(path.data(), fs::canonical("/proc/self/exe"));
+  EXPECT_EQ(Platform::Current().LibraryPath(nullptr, 0), 0U);
+  if (std::getenv("NORV_BATTERY_RENAMED") == nullptr) {
+    const std::string filter = "--gtest_filter=PosixPlatform.TheLibrarysPathIsTheProgramsWhateverItIsCalled";
+    const std::string command =
+        "NORV_BATTERY_RENAMED=1 exec -a /bin/sh /proc/" + std::to_string(::getpid()) + "/exe " + filter;
+    const fs::path log = folder_ / "log";
+    EXPECT_EQ(std::system(("bash -c '" + command + "' > " + log.string()).c_str()), 0) << Content(log);
+  }
 }
 
 TEST_F(PosixPlatform, LeavesNoZombie) {
@@ -165,6 +209,14 @@ TEST_F(PosixPlatform, AVersionThatIsNoneIsAMissingResource) {
     EXPECT_FALSE(Platform::Current().ReadProductVersion(program.c_str(), version)) << content;
     EXPECT_EQ(Platform::Current().LastSystemCode(), 1812U);
   }
+}
+
+TEST_F(PosixPlatform, APrivateFolderIsPrivateFromTheStart) {
+  const mode_t before = ::umask(0);
+  EXPECT_TRUE(simulator::CreatePrivateFolder(folder_ / "private"));
+  ::umask(before);
+  EXPECT_EQ(fs::status(folder_ / "private").permissions(), fs::perms::owner_all);
+  EXPECT_FALSE(simulator::CreatePrivateFolder(folder_ / "private")) << "somebody's already";
 }
 
 TEST_F(PosixPlatform, ReadsProgramDataFromTheEnvironment) {

@@ -181,6 +181,32 @@ TEST(Runner, CutsAPathThatIsTooLong) {
   EXPECT_EQ(ProgramPathFor(justShortEnough + "x\\b.dll"), "C:\\BatteryTest.exe");
 }
 
+// What lies in the folder that is left of the path is not the library's.
+TEST(Runner, RunsNothingByAPathThatWasCut) {
+  class Trusting : public NorvBatteryTestInfo {
+   protected:
+    bool RetrieveTestResultVersion(const char* /*programPath*/) override { return true; }
+  };
+  for (const std::string& modulePath : {"C:/" + std::string(300, 'x') + "/b.dll", std::string()}) {
+    const auto machine = SimulatedMachine::FromText(
+        R"({"description": "test", "testProgram": {"version": "1.2.3.4", "status": 0}, "modulePath": ")" + modulePath +
+            "\"}",
+        "here");
+    Trusting info;
+    LogCapture log;
+    info.RunBatteryTest();
+    EXPECT_TRUE(
+        IsError(info.GetError(), ErrorCategory::Value, 0, "Error parsing the BatteryTest XML report", "int", kRun));
+    EXPECT_THAT(machine->Operations(), Not(Contains(Field(&Operation::name, "RunProgram"))));
+    EXPECT_THAT(
+        log.Lines(),
+        Contains(LogLine{plog::error, kRun,
+                         std::string("BatteryTest.exe is not started: ") +
+                             (modulePath.empty() ? "the path of the library is not known, or names another file by now"
+                                                 : "the path of the library is longer than 259 characters")}));
+  }
+}
+
 TEST(Runner, ReadsTheVersionThroughTheVirtualTable) {
   class Own : public NorvBatteryTestInfo {
    public:
