@@ -37,6 +37,29 @@ TEST(EscapeBytes, LeavesBlanksAtTheEnds) {
   EXPECT_EQ(EscapeBytes(" a\\\n "), " a\\x5C\\x0A ");
 }
 
+TEST(EscapeControls, LeavesEverythingElse) {
+  EXPECT_EQ(EscapeControls("a\\ \u00A0\u00E9\u20AC\U0001F50B"), "a\\ \u00A0\u00E9\u20AC\U0001F50B");
+  EXPECT_EQ(EscapeControls("\x01\x1F\x7F\u0080\u009F"), "\\x01\\x1F\\x7F\\x80\\x9F");
+}
+
+TEST(Quote, TellsHowLongALongTextIs) {
+  EXPECT_EQ(Quote("a\n"), "'a\\x0A'");
+  EXPECT_EQ(Quote(std::string(200, 'a')), "'" + std::string(200, 'a') + "'");
+  EXPECT_EQ(Quote(std::string(1000, 'a')), "'" + std::string(200, 'a') + "...' (1000 characters)");
+}
+
+TEST(PrintableLine, LeavesPrintableLines) {
+  EXPECT_EQ(PrintableLine("a\\x0A b"), "a\\x0A b");
+  EXPECT_EQ(PrintableLine("a\n\x1B\u00E9"), "a\\x0A\\x1B\\xC3\\xA9");
+}
+
+TEST(PrintableLine, LeavesOutTheMiddle) {
+  const std::string line = PrintableLine("start" + std::string(1000000, 'a') + "end");
+  EXPECT_TRUE(line.starts_with("start"));
+  EXPECT_TRUE(line.ends_with("end"));
+  EXPECT_LT(line.size(), 3100U);
+}
+
 TEST(BytesToUtf8, TakesBytesForCodePoints) {
   EXPECT_EQ(BytesToUtf8("A\x7F"), "A\x7F");
   EXPECT_EQ(BytesToUtf8("\x80\xBF\xC0\xFF"), "\xC2\x80\xC2\xBF\xC3\x80\xC3\xBF");

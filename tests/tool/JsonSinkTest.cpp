@@ -29,6 +29,7 @@ Json Written(Write write) {
   const std::string text(output.View());
   EXPECT_TRUE(text.ends_with("}\n")) << text;
   EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+  EXPECT_EQ(EscapeControls(text.substr(0, text.size() - 1)) + '\n', text);
   return Json::parse(text);
 }
 

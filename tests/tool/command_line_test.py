@@ -12,6 +12,7 @@ import os
 import pathlib
 import pty
 import re
+import resource
 import subprocess
 import sys
 import tempfile
@@ -122,6 +123,33 @@ class ArgumentTest(ToolTest):
         self.assert_refused(self.run_tool("report", "--format", "text", "--format", "json"), "--format")
         self.assert_refused(self.run_tool("report", "--machine", "two-batteries", "--machine", "no-battery"),
                             "--machine")
+
+
+    def test_what_is_quoted_is_printable_and_short(self):
+        odd = "\x1b[31m\u009b\r\nnorv-battery: fine"
+        for arguments in (["report", odd], [odd], ["report", "--" + odd], ["report", "--format", odd],
+                          ["watch", "--interval", odd], ["decode", "--date", odd], ["decode", "--jobs", odd],
+                          ["report", "--machine", odd], ["report", "--machine", "./" + odd],
+                          ["report", "--power-supply", odd], ["encode", "./" + odd], ["encode", "--machine", odd],
+                          ["record", "--machine", "two-batteries", "--output", "missing/" + odd]):
+            done = self.run_tool(*arguments)
+            self.assert_refused(done)
+            self.assertIsNone(re.search(r"[^\n -~]", done.stderr), done.stderr)
+            self.assertNotIn("\nnorv-battery: fine", done.stderr)
+        for arguments in (["report", "x" * 100_000], ["report", "--format", "x" * 100_000], ["x" * 100_000],
+                          ["report", "--machine", "x" * 100_000], ["report", "--machine", "./" + "x" * 100_000]):
+            done = self.run_tool(*arguments)
+            self.assert_refused(done)
+            self.assertLess(len(done.stderr), 4000)
+
+    def test_a_token_of_50_megabytes_gives_a_short_message(self):
+        for contents in ('{"description": ' + "x" * 50_000_000, '{"description": "' + "x" * 50_000_000):
+            done = self.report(contents)
+            self.assert_refused(done, "machine.json")
+            self.assertLess(len(done.stderr), 4000)
+            done = self.run_tool("encode", self.write("rows.json", contents))
+            self.assert_refused(done, "rows.json")
+            self.assertLess(len(done.stderr), 4000)
 
 
 class MachineTest(ToolTest):
@@ -366,6 +394,17 @@ class OutputTest(ToolTest):
             os.close(writing)
         self.assertEqual((done.returncode, done.stderr), (2, ""))
 
+    def test_progress_needs_no_thread(self):
+        def no_stack():
+            resource.setrlimit(resource.RLIMIT_STACK, (1 << 47, resource.getrlimit(resource.RLIMIT_STACK)[1]))
+        contents = machine({}, testProgram=test_program(status=0))
+        controller, terminal = pty.openpty()
+        done = self.report(contents, "--test", capture_output=False, stdout=subprocess.PIPE, stderr=terminal,
+                           preexec_fn=no_stack)
+        os.close(terminal)
+        os.close(controller)
+        self.assertEqual((done.returncode, done.stdout), (0, self.report(contents, "--test").stdout))
+
     def test_progress_on_a_terminal_only(self):
         contents = machine({}, testProgram=test_program(status=0, runsMilliseconds=1500))
         self.assertEqual(self.report(contents, "--test").stderr, "")
@@ -422,6 +461,7 @@ class WindowsTest(ToolTest):
 
 LINUX_ONLY = {
     "test_full_device": "Windows has no device that is always full",
+    "test_progress_needs_no_thread": "the limit of the stack is one of Linux",
     "test_closed_pipe_ends_quietly": "the pipe is one of Linux, and breaks for the runner instead",
     "test_progress_on_a_terminal_only": "the terminal is one of Linux, which is no console of Windows",
 }

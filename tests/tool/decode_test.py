@@ -168,7 +168,7 @@ class RowTest(unittest.TestCase):
     def test_csv_has_the_same_values(self):
         contents = b"".join(random_blocks(500))
         rows = rows_of(decode(contents))
-        table = list(csv.reader(io.StringIO(decode(contents, "--format", "csv").stdout.decode(), newline="")))
+        table = list(csv.reader(io.StringIO(decode(contents, "--format", "csv", "--raw-csv").stdout.decode(), newline="")))
         head, lines = table[0], table[1:]
         self.assertEqual(len(lines), len(rows))
         for row, line in zip(rows, lines):
@@ -181,6 +181,45 @@ class RowTest(unittest.TestCase):
                     value = value["message"]
                 expected = "" if value is None else value if isinstance(value, str) else json.dumps(value)
                 self.assertEqual(field, expected, name)
+
+    def csv_ids(self, contents, *arguments):
+        done = decode(contents, "--format", "csv", "--input", "hex", *arguments)
+        return [line[2] for line in csv.reader(io.StringIO(done.stdout.decode(), newline=""))][1:]
+
+    def test_csv_holds_nothing_that_a_spreadsheet_runs(self):
+        harmless = {"=1+1": "'=1+1", "+1": "'+1", "-1": "'-1", "@SUM(A1)": "'@SUM(A1)", "\uff1d1": "'\uff1d1", "'=1": "''=1",
+                    "-": "-", "a=1": "a=1", "1-2": "1-2", "": "", "a;=1": "a;=1", "\r=1": "\\x0D=1"}
+        contents = "".join(f"{text},00\n" for text in harmless).encode()
+        self.assertEqual(self.csv_ids(contents), list(harmless.values()))
+        self.assertEqual(self.csv_ids(contents, "--raw-csv"), list(harmless))
+        self.assertIn(b'-,10,"a;=1",', decode(contents, "--format", "csv").stdout)
+
+    def test_csv_holds_no_control_characters(self):
+        texts = [f"a{chr(code)}b" for code in (*range(1, 32), *range(127, 160)) if chr(code) != "\n"]
+        contents = "".join(f"{text},00\n" for text in texts).encode()
+        self.assertEqual(self.csv_ids(contents), [f"a\\x{ord(text[1]):02X}b" for text in texts])
+        self.assertEqual(self.csv_ids(contents, "--raw-csv"), texts)
+        rows = decode(b"".join(random_blocks(500)), "--format", "csv").stdout.decode()
+        self.assertIsNone(re.search("[\0-\x09\x0b-\x1f\x7f-\x9f]", rows))
+
+    def test_csv_numbers_stay_numbers(self):
+        head, line = csv.reader(io.StringIO(decode(bytes(128), "--format", "csv").stdout.decode()))
+        self.assertEqual(dict(zip(head, line))["capacity.remainingCapacityPercentage"], "-2147483.75")
+
+    def test_raw_csv_is_csv(self):
+        for arguments in ([], ["--format", "jsonl"], ["--format", "text"]):
+            done = decode(b"", "--raw-csv", *arguments)
+            self.assertEqual((done.returncode, done.stdout), (2, b""))
+            self.assertIn(b"--raw-csv", done.stderr)
+            self.assertIn(b"--format", done.stderr)
+
+    def test_json_holds_no_raw_control_characters(self):
+        texts = [f"a{chr(code)}b" for code in (*range(1, 32), *range(127, 160)) if chr(code) != "\n"]
+        done = decode("".join(f"{text},00\n" for text in texts).encode(), "--input", "hex")
+        self.assertIsNone(re.search("[\0-\x09\x0b-\x1f\x7f-\x9f]", done.stdout.decode()))
+        self.assertEqual([row["id"] for row in rows_of(done)], texts)
+        self.assertIn(b'"id":"a\\u007fb"', done.stdout)
+        self.assertIn(b'"id":"a\\u009fb"', done.stdout)
 
     def test_age_counts_to_the_date_or_to_now(self):
         good = good_hex().encode()
@@ -250,6 +289,28 @@ class BadInputTest(unittest.TestCase):
         self.assertEqual([row["index"] for row in rows], [0, 1, 2])
         self.assertEqual(rows[1]["rowError"],
                          "line 2 is longer than 32768 characters: expected 256 hexadecimal digits")
+
+    def test_longest_line(self):
+        good = good_hex().encode()
+        for length, problem in ((32767, "32767 hexadecimal digits"), (32768, "32768 hexadecimal digits"),
+                                (32769, "is longer than 32768"), (32770, "is longer than 32768")):
+            for end in (b"", b"\n", b"\r\n"):
+                for before in (b"", good + b"\n"):
+                    rows = rows_of(decode(before + b"a" * length + end + (good if end else b"")))
+                    errors = [row["rowError"] for row in rows]
+                    long = 1 if before else 0
+                    self.assertIn(problem, errors.pop(long), (length, end))
+                    self.assertEqual(errors, [None] * (long + (1 if end else 0)))
+                    self.assertEqual([row["index"] for row in rows], list(range(len(rows))))
+        block = good + b" " * (32768 - len(good))
+        self.assertEqual(decode(block + b"\n").returncode, 0)
+
+    def test_no_threads(self):
+        def no_stack():
+            resource.setrlimit(resource.RLIMIT_STACK, (1 << 47, resource.getrlimit(resource.RLIMIT_STACK)[1]))
+        contents = b"".join(random_blocks(2000))
+        done = decode(contents, "--jobs", "4", preexec_fn=no_stack)
+        self.assertEqual((done.returncode, done.stdout), (0, decode(contents).stdout))
 
     def test_noise(self):
         source = random.Random(7)
@@ -435,6 +496,19 @@ class EncodeTest(unittest.TestCase):
     def test_identifiers_are_kept(self):
         line = f"B\u00fcro 12,{good_hex()}\n".encode()
         self.assertEqual(run("encode", input=decode(line).stdout).stdout, line)
+
+    def test_identifiers_come_back_or_are_refused(self):
+        row = self.good_row()
+        for name in ("a b", "", "#1", "'", '"', "00", good_hex(), "\u20ac", "\u00a0", "x" * 32511):
+            row["id"] = name
+            encoded = run("encode", input=json.dumps(row).encode())
+            self.assertEqual((encoded.returncode, encoded.stderr), (0, b""), name[:10])
+            self.assertEqual(rows_of(decode(encoded.stdout))[0], row)
+        for name, reason in ((" a", "blank"), ("a ", "blank"), ("a,b", "comma"), ("a\tb", "control"), ("a\nb", "control"),
+                             ("\x01", "control"), ("\x7f", "control"), ("\u009b", "control"), ("\0", "control"),
+                             ("\ufeffa", "byte order mark"), ("x" * 32512, "line too long"), (7, "a text")):
+            row["id"] = name
+            self.assert_refused(run("encode", input=json.dumps(row).encode()), "JSON value 1", "id: expected", reason)
 
     def test_slots(self):
         both = run("encode", "--machine", "two-batteries").stdout.splitlines()

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "BatteryFolder.h"
+#include "EscapeText.h"
 #include "Report.h"
 
 namespace norv::tool {
@@ -67,7 +68,7 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
   const auto choose = [name, choices, choiceNames, &value](const CLI::results_t& texts) {
     const auto found = choices.find(texts.back());
     if (found == choices.end()) {
-      throw CLI::ValidationError(name, "'" + texts.back() + "' is none of " + choiceNames);
+      throw CLI::ValidationError(name, Quote(texts.back()) + " is none of " + choiceNames);
     }
     value = found->second;
     return true;
@@ -105,7 +106,7 @@ CLI::Option* AddToday(CLI::App& command, std::optional<Day>& today) {
   const auto choose = [&today](const CLI::results_t& texts) {
     today = ParseDay(texts.back());
     if (!today || !Exists(*today) || today->year < 1970) {
-      throw CLI::ValidationError("--date", "'" + texts.back() + "' is no day YYYY-MM-DD from 1970 on");
+      throw CLI::ValidationError("--date", Quote(texts.back()) + " is no day YYYY-MM-DD from 1970 on");
     }
     return true;
   };
@@ -113,6 +114,21 @@ CLI::Option* AddToday(CLI::App& command, std::optional<Day>& today) {
       ->option_text("YYYY-MM-DD [today]")
       ->multi_option_policy(CLI::MultiOptionPolicy::Throw)
       ->expected(1);
+}
+
+// To be added behind --format: what the command line gives is taken over in this order, whichever its own is.
+void AddRawCsv(CLI::App& command, RowFormat& format) {
+  command
+      .add_flag_callback(
+          "--raw-csv",
+          [&format] {
+            if (format != RowFormat::Csv) {
+              throw CLI::ValidationError("--raw-csv", "goes with --format csv only");
+            }
+            format = RowFormat::RawCsv;
+          },
+          "With --format csv: leave control characters and what a spreadsheet would run as they are")
+      ->needs("--format");
 }
 
 void DescribeDecode(CLI::App& command, DecodeOptions& options) {
@@ -124,6 +140,7 @@ void DescribeDecode(CLI::App& command, DecodeOptions& options) {
       ->option_text("[FILE ...]");
   AddChoice(command, "--input", options.input, kGivenKinds, "What the files hold", "bin|hex", "recognised by itself");
   AddChoice(command, "--format", options.format, kRowFormats, "How to write the rows", "jsonl|csv|text", "jsonl");
+  AddRawCsv(command, options.format);
   command.add_option("--output", options.output, "Write to this file, which appears once it is complete")
       ->option_text("FILE");
   command.add_option("--jobs", options.jobs, "Decode with this many threads")
@@ -172,7 +189,7 @@ void AddInterval(CLI::App& command, std::chrono::duration<double>& interval) {
     const bool isNumber = result.ec == std::errc() && result.ptr == text.data() + text.size();
     // Written so that what is no number fails, too.
     if (!isNumber || !(seconds >= kShortestInterval && seconds <= kLongestInterval)) {
-      throw CLI::ValidationError("--interval", "'" + text + "' is no number of seconds from 0.01 to 86400");
+      throw CLI::ValidationError("--interval", Quote(text) + " is no number of seconds from 0.01 to 86400");
     }
     interval = std::chrono::duration<double>(seconds);
     return true;
@@ -233,7 +250,8 @@ ParsedArguments ParseArguments(int argc, const char* const* argv) {
     // A misspelt command is first missed, and only then found to be left over.
     const bool isUnknownCommand = app.get_subcommands().empty() && app.remaining_size() > 0;
     return {std::nullopt, "",
-            isUnknownCommand ? "there is no command or option '" + app.remaining().front() + "'" : error.what()};
+            isUnknownCommand ? "there is no command or option " + Quote(app.remaining().front())
+                             : PrintableLine(error.what())};
   }
   arguments.command = machines->parsed() ? Command::Machines
                       : decode->parsed() ? Command::Decode

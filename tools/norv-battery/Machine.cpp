@@ -54,8 +54,8 @@ Machine ChooseMachine(const std::optional<std::string>& name) {
   }
   std::error_code ignored;
   if (!std::filesystem::exists(std::u8string(name->begin(), name->end()), ignored)) {
-    throw simulator::MachineFileError("'" + EscapeText(*name) +
-                                      "' is neither a sample machine ('norv-battery machines' lists them) nor a file");
+    throw simulator::MachineFileError(Quote(*name) +
+                                      " is neither a sample machine ('norv-battery machines' lists them) nor a file");
   }
   return Attach("file", *name, SimulatedMachine::FromFile(*name));
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <system_error>
 
+#include "EscapeText.h"
 #include "Terminal.h"
 
 namespace norv::tool {
@@ -12,6 +13,13 @@ namespace {
 
 void Put(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+std::string PrintableLines(std::string_view text) {
+  const std::size_t end = text.find('\n');
+  return end == std::string_view::npos
+             ? PrintableLine(text)
+             : PrintableLine(text.substr(0, end)) + '\n' + PrintableLines(text.substr(end + 1));
 }
 
 }  // namespace
@@ -51,7 +59,7 @@ void StandardError::Erase() {
 }
 
 void Complain(const std::string& message) {
-  StandardError::Instance().WriteLine("norv-battery: " + message);
+  StandardError::Instance().WriteLine("norv-battery: " + PrintableLines(message));
 }
 
 bool WriteToStandardOutput(std::string_view text) {
@@ -64,7 +72,8 @@ bool WriteToStandardOutput(std::string_view text) {
     return true;
   }
   const int code = errno;
-  if (code != EPIPE) {
+  // Nobody reads, or a watch was told to end while it waited for its reader.
+  if (code != EPIPE && code != EINTR) {
     Complain("standard output cannot be written to: " + std::generic_category().message(code));
   }
   return false;

@@ -28,11 +28,11 @@ class StandardError {
   std::size_t passingWidth_ = 0;
 };
 
-// Writes "norv-battery: `message`" to standard error.
+// Writes "norv-battery: `message`" to standard error, its lines as PrintableLine() gives them.
 void Complain(const std::string& message);
 
 // False when not all of `text` could be written; that has then been said on standard error, unless just nobody reads
-// the output any more.
+// the output any more, or an interrupt ended the wait for its reader.
 bool WriteToStandardOutput(std::string_view text);
 
 }  // namespace norv::tool

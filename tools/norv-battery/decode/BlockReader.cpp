@@ -25,6 +25,15 @@ bool IsText(std::string_view start) {
   });
 }
 
+// Up to its line end, or all of it where there is none.
+std::string_view FirstLine(std::string_view text) {
+  std::string_view line = text.substr(0, text.find('\n'));
+  if (line.ends_with('\r')) {
+    line.remove_suffix(1);
+  }
+  return line;
+}
+
 std::string_view ViewOf(const std::vector<char>& bytes) {
   return {bytes.data(), bytes.size()};
 }
@@ -33,12 +42,8 @@ std::string_view ViewOf(const std::vector<char>& bytes) {
 
 void ForEachLine(std::string_view text, const std::function<void(std::string_view)>& visit) {
   while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    if (line.ends_with('\r')) {
-      line.remove_suffix(1);
-    }
+    const std::string_view line = FirstLine(text);
+    text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
     visit(line);
   }
 }
@@ -69,7 +74,8 @@ bool BlockReader::Read(Portion& portion) {
       return true;
     }
   }
-  FillUp();
+  constexpr std::size_t kLongestLineEnd = 2;
+  FillUp(Portion::kLargest + (kind_ == InputKind::Binary ? 0 : kLongestLineEnd));
   portion.source = source_;
   portion.kind = kind_;
   portion.firstRow = row_;
@@ -100,7 +106,7 @@ void BlockReader::Open(Portion& portion) {
     portion.problem = "cannot be opened: " + SystemMessage(errno);
     return;
   }
-  FillUp();
+  FillUp(Portion::kLargest);
   if (ahead_.empty()) {
     portion.problem = failure_.empty() ? "is empty: expected blocks of 128 bytes, or lines of 256 hexadecimal digits"
                                        : "cannot be read: " + failure_;
@@ -126,19 +132,19 @@ void BlockReader::Recognise() {
   }
 }
 
-// Reads until a whole portion is ahead, or the source is at its end.
-void BlockReader::FillUp() {
+// Reads until `size` bytes are ahead, or the source is at its end.
+void BlockReader::FillUp(std::size_t size) {
   if (isAtEnd_) {
     return;
   }
   const std::size_t before = ahead_.size();
-  ahead_.resize(Portion::kLargest);
+  ahead_.resize(size);
   errno = 0;
-  const std::size_t count = std::fread(ahead_.data() + before, 1, Portion::kLargest - before, file_.get());
+  const std::size_t count = std::fread(ahead_.data() + before, 1, size - before, file_.get());
   const int code = errno;
   ahead_.resize(before + count);
   bytesRead_ += count;
-  isAtEnd_ = ahead_.size() < Portion::kLargest;
+  isAtEnd_ = ahead_.size() < size;
   if (std::ferror(file_.get()) != 0) {
     failure_ = SystemMessage(code);
   }
@@ -158,11 +164,8 @@ void BlockReader::TakeLines(Portion& portion) {
     SkipLine();
     return;
   }
-  const std::size_t lastEnd = ViewOf(ahead_).rfind('\n');
-  std::size_t size = lastEnd == std::string_view::npos ? 0 : lastEnd + 1;
-  if (isAtEnd_) {
-    size = ahead_.size();
-  } else if (size == 0) {
+  const std::string_view text = ViewOf(ahead_);
+  if (FirstLine(text).size() > Portion::kLargest) {
     portion.problem = "line " + std::to_string(place_) + " is longer than " + std::to_string(Portion::kLargest) +
                       " characters: expected 256 hexadecimal digits";
     isInLongLine_ = true;
@@ -170,8 +173,10 @@ void BlockReader::TakeLines(Portion& portion) {
     SkipLine();
     return;
   }
-  portion.bytes.assign(ahead_.begin(), ahead_.begin() + static_cast<std::ptrdiff_t>(size));
-  ahead_.erase(ahead_.begin(), ahead_.begin() + static_cast<std::ptrdiff_t>(size));
+  // A line end is there: what is ahead is more than the longest line and its end.
+  const auto size = static_cast<std::ptrdiff_t>(isAtEnd_ ? text.size() : text.rfind('\n') + 1);
+  portion.bytes.assign(ahead_.begin(), ahead_.begin() + size);
+  ahead_.erase(ahead_.begin(), ahead_.begin() + size);
   ForEachLine(ViewOf(portion.bytes), [this](std::string_view line) {
     row_ += IsBlankLine(line) ? 0U : 1U;
     ++place_;

@@ -19,7 +19,7 @@ enum class InputKind { Binary, Hexadecimal };
 
 // Some rows of one source: whole blocks or whole lines, unless the source ends within one.
 struct Portion {
-  // Of a portion, and so of a line.
+  // Of a portion of blocks; one of lines may have a line end more. It is also the longest line.
   static constexpr std::size_t kLargest = 256 * kBlockSize;
 
   std::string source;  // UTF-8
@@ -56,7 +56,7 @@ class BlockReader {
   void Open(Portion& portion);
   void Close();
   void Recognise();
-  void FillUp();
+  void FillUp(std::size_t size);
   void TakeBlocks(Portion& portion);
   void TakeLines(Portion& portion);
   void SkipLine();

@@ -15,10 +15,13 @@
 
 namespace norv::tool {
 
+// What becomes of a text that a terminal or a spreadsheet would obey.
+enum class CsvTexts { Harmless, Raw };
+
 // The same calls as JsonSink's; a null is an empty field, a failure its message.
 class CsvSink {
  public:
-  explicit CsvSink(OutputBuffer& output) : output_(output) {}
+  explicit CsvSink(OutputBuffer& output, CsvTexts texts = CsvTexts::Harmless) : output_(output), texts_(texts) {}
 
   void BeginRow() {}
   void EndRow() { output_.ReplaceLast('\n'); }
@@ -57,8 +60,10 @@ class CsvSink {
  private:
   void Plain(std::string_view text);
   void Special(std::string_view text);
+  void Quoted(std::string_view text);
 
   OutputBuffer& output_;
+  CsvTexts texts_;
 };
 
 // Writes the head line: the path of each field, "cells.voltages[0]".

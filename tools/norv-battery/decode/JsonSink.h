@@ -119,6 +119,12 @@ class JsonSink {
   }
 
  private:
+  // Control characters, to the terminal that shows a row, are also U+007F and U+0080 to U+009F, which UTF-8 writes as
+  // one lead byte and their number.
+  static constexpr unsigned char kDelete = 0x7F;
+  static constexpr unsigned char kLeadOfControls = 0xC2;
+  static constexpr bool IsUpperControl(unsigned char number) { return number >= 0x80 && number < 0xA0; }
+
   static constexpr std::size_t kAroundKey = 2;  // quotation marks and colon, less the terminator that a Size counts
 
   template <std::size_t Size>
@@ -160,6 +166,8 @@ class JsonSink {
       const auto byte = static_cast<unsigned char>(*from);
       if (IsPlain(byte)) {
         *to++ = *from;
+      } else if (!kAreBytes && byte == kLeadOfControls && IsUpperControl(static_cast<unsigned char>(from[1]))) {
+        to = PutControl(to, static_cast<unsigned char>(*++from));
       } else {
         to = PutSpecial<kAreBytes>(to, byte);
       }
@@ -167,7 +175,7 @@ class JsonSink {
     return to;
   }
 
-  static bool IsPlain(unsigned char byte) { return byte >= ' ' && byte < 0x80 && byte != '"' && byte != '\\'; }
+  static bool IsPlain(unsigned char byte) { return byte >= ' ' && byte < kDelete && byte != '"' && byte != '\\'; }
 
   // IsPlain for eight characters at once. A byte of `x` is 0 exactly where the top bit of `((x & 0x7F..) + 0x7F..) | x`
   // is clear, and a character is below 0x20 where adding 0x60 leaves its top bit clear.
@@ -179,18 +187,23 @@ class JsonSink {
     const std::uint64_t low = word & ~kTop;
     const std::uint64_t notQuote = (low ^ ('"' * kEach)) + 0x7F * kEach;
     const std::uint64_t notBackslash = (low ^ ('\\' * kEach)) + 0x7F * kEach;
+    const std::uint64_t notDelete = (low ^ (kDelete * kEach)) + 0x7F * kEach;
     const std::uint64_t notControl = low + 0x60 * kEach;
-    return (notQuote & notBackslash & notControl & ~word & kTop) == kTop;
+    return (notQuote & notBackslash & notDelete & notControl & ~word & kTop) == kTop;
+  }
+
+  static char* PutControl(char* to, unsigned char number) {
+    constexpr std::string_view kHexDigits = "0123456789abcdef";
+    std::string_view("\\u00").copy(to, 4);
+    to[4] = kHexDigits[number >> 4U];
+    to[5] = kHexDigits[number & 0x0FU];
+    return to + 6;
   }
 
   template <bool kAreBytes>
   static char* PutSpecial(char* to, unsigned char byte) {
-    constexpr std::string_view kHexDigits = "0123456789abcdef";
-    if (byte < ' ') {
-      std::string_view("\\u00").copy(to, 4);
-      to[4] = kHexDigits[byte >> 4U];
-      to[5] = kHexDigits[byte & 0x0FU];
-      return to + 6;
+    if (byte < ' ' || byte == kDelete || (kAreBytes && IsUpperControl(byte))) {
+      return PutControl(to, byte);
     }
     if (byte < 0x80) {  // a quotation mark or a backslash
       to[0] = '\\';

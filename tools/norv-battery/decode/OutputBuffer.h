@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -29,8 +28,7 @@ class OutputBuffer {
 
   void Append(std::string_view text) {
     char* const start = Reserve(text.size());
-    std::memcpy(start, text.data(), text.size());
-    ExtendTo(start + text.size());
+    ExtendTo(start + text.copy(start, text.size()));  // which an empty text may do without an address
   }
 
   void Append(char character) {

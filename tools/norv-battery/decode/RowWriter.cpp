@@ -81,10 +81,17 @@ const std::string& MissingFields() {
   return commas;
 }
 
+void WriteCsvProblem(const CsvSink& sink, const RowOrigin& origin, std::string_view problem, OutputBuffer& output) {
+  WriteProblem(sink, origin, problem);
+  output.ReplaceLast(',');
+  output.Append(MissingFields());
+  output.ReplaceLast('\n');
+}
+
 }  // namespace
 
 void WriteHead(RowFormat format, OutputBuffer& output) {
-  if (format == RowFormat::Csv) {
+  if (format == RowFormat::Csv || format == RowFormat::RawCsv) {
     output.Append(HeadLine());
   }
 }
@@ -98,6 +105,9 @@ void WriteRow(RowFormat format, const RowOrigin& origin, const unsigned char* bl
     case RowFormat::Csv:
       WriteFields(CsvSink(output), origin, battery);
       break;
+    case RowFormat::RawCsv:
+      WriteFields(CsvSink(output, CsvTexts::Raw), origin, battery);
+      break;
     case RowFormat::Text:
       WriteText(origin, battery, output);
       break;
@@ -110,10 +120,10 @@ void WriteBadRow(RowFormat format, const RowOrigin& origin, std::string_view pro
       WriteProblem(JsonSink(output), origin, problem);
       break;
     case RowFormat::Csv:
-      WriteProblem(CsvSink(output), origin, problem);
-      output.ReplaceLast(',');
-      output.Append(MissingFields());
-      output.ReplaceLast('\n');
+      WriteCsvProblem(CsvSink(output), origin, problem, output);
+      break;
+    case RowFormat::RawCsv:
+      WriteCsvProblem(CsvSink(output, CsvTexts::Raw), origin, problem, output);
       break;
     case RowFormat::Text:
       WriteTextProblem(origin, problem, output);

@@ -9,7 +9,7 @@
 
 namespace norv::tool {
 
-enum class RowFormat { JsonLines, Csv, Text };
+enum class RowFormat { JsonLines, Csv, RawCsv, Text };
 
 // Where a row comes from.
 struct RowOrigin {

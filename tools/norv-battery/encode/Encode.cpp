@@ -40,8 +40,8 @@ class BlockWriter {
  public:
   BlockWriter(OutputTarget& output, BlockFormat format) : output_(output), format_(format) {}
 
-  // `id`, which may be empty, is lost in a binary output.
-  void Write(const std::string& id, const Block& block) {
+  // `id` is lost in a binary output.
+  void Write(const std::optional<std::string>& id, const Block& block) {
     if (format_ == BlockFormat::Binary) {
       pending_.append(reinterpret_cast<const char*>(block.data()), block.size());
     } else {
@@ -61,10 +61,10 @@ class BlockWriter {
   }
 
  private:
-  void AppendLine(const std::string& id, const Block& block) {
+  void AppendLine(const std::optional<std::string>& id, const Block& block) {
     constexpr std::string_view kHexDigits = "0123456789abcdef";
-    if (!id.empty()) {
-      pending_ += id;
+    if (id) {
+      pending_ += *id;
       pending_ += ',';
     }
     for (const unsigned char byte : block) {
@@ -86,15 +86,37 @@ class BlockWriter {
   std::string pending_;
 };
 
-// The identifier of a decoded row; empty where it has none.
-std::string ReadId(const Json& row) {
+// What is wrong with an identifier that a line begins with; null where it is read as it was written.
+const char* DefectOf(std::string_view id) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  constexpr std::size_t kMost = Portion::kLargest - 2 * kBlockSize - 1;  // of a line, less the digits and the comma
+  if (id.size() > kMost) {
+    return "makes the line too long";
+  }
+  if (id.find(',') != std::string_view::npos) {
+    return "holds a comma";
+  }
+  if (EscapeControls(id) != id) {
+    return "holds a control character";
+  }
+  if (id.starts_with(kByteOrderMark)) {
+    return "begins with a byte order mark";
+  }
+  return id.starts_with(' ') || id.ends_with(' ') ? "begins or ends with a blank" : nullptr;
+}
+
+// The identifier of a decoded row, which is read again as it is; nothing where it has none.
+std::optional<std::string> ReadId(const Json& row) {
   const auto found = row.find("id");
   if (found == row.end() || found->is_null()) {
-    return "";
+    return std::nullopt;
   }
-  std::string id = found->is_string() ? found->get<std::string>() : "";
-  if (id.empty() || id.find_first_of(",\r\n") != std::string::npos) {
-    throw BlockValueError("id: expected null, or a text without commas and line ends");
+  if (!found->is_string()) {
+    throw BlockValueError("id: expected null or a text");
+  }
+  std::string id = found->get<std::string>();
+  if (const char* const defect = DefectOf(id)) {
+    throw BlockValueError("id: expected a text that a line can begin with, but " + Quote(id) + " " + defect);
   }
   return id;
 }
@@ -118,7 +140,7 @@ void EncodeReport(const Json& report, const std::optional<int>& slot, BlockWrite
       continue;
     }
     try {
-      writer.Write("", BlockFromJson(batteries[index]));
+      writer.Write(std::nullopt, BlockFromJson(batteries[index]));
     } catch (const BlockValueError& failure) {
       throw BlockValueError("batteries[" + std::to_string(index) + "]." + failure.what());
     }
@@ -145,9 +167,7 @@ void EncodeValue(const Json& value, const std::optional<int>& slot, BlockWriter&
 // One JSON value after another, until the end of `input`.
 void EncodeStream(const std::string& name, std::istream& input, const std::optional<int>& slot, BlockWriter& writer) {
   for (std::uint64_t number = 1; input >> std::ws && !input.eof(); ++number) {
-    const auto where = [&name, number] {
-      return "'" + EscapeText(name) + "', JSON value " + std::to_string(number) + ": ";
-    };
+    const auto where = [&name, number] { return Quote(name) + ", JSON value " + std::to_string(number) + ": "; };
     Json value;
     try {
       input >> value;
@@ -170,7 +190,7 @@ void EncodeSource(const std::string& name, const std::optional<int>& slot, Block
   errno = 0;
   std::ifstream file(name, std::ios::binary);
   if (!file || (file.peek() == std::ifstream::traits_type::eof() && errno != 0)) {
-    throw InputError("'" + EscapeText(name) + "' cannot be read: " + std::generic_category().message(errno));
+    throw InputError(Quote(name) + " cannot be read: " + std::generic_category().message(errno));
   }
   file.clear();
   EncodeStream(name, file, slot, writer);
@@ -196,12 +216,12 @@ void EncodeMachine(const std::string& name, const std::optional<int>& slot, Bloc
     const auto block =
         slot.value_or(index) == index ? AskForBlock(machine.simulated->AsPlatform(), index) : std::nullopt;
     if (block) {
-      writer.Write("", *block);
+      writer.Write(std::nullopt, *block);
       isAny = true;
     }
   }
   if (!isAny) {
-    throw InputError("'" + EscapeText(name) + "' has no battery" + (slot ? " in slot " + std::to_string(*slot) : ""));
+    throw InputError(Quote(name) + " has no battery" + (slot ? " in slot " + std::to_string(*slot) : ""));
   }
 }
 
