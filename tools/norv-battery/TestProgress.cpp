@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <system_error>
 
 #include "StandardStreams.h"
 #include "Terminal.h"
@@ -24,8 +25,13 @@ std::string Elapsed(std::chrono::seconds time) {
 }  // namespace
 
 TestProgress::TestProgress() {
-  if (StandardErrorIsTerminal()) {
+  if (!StandardErrorIsTerminal()) {
+    return;
+  }
+  try {
     thread_ = std::thread(&TestProgress::Show, this);
+  } catch (const std::system_error&) {
+    // The system has no thread left, and the test is worth more than the line that tells of it.
   }
 }
 

@@ -32,6 +32,9 @@ class Decoding {
     if (tasks_.size() > 1) {
       workers_ = std::make_unique<Workers>(CountJobs(options.jobs), [this](Task& task) { Work(task); });
     }
+    if (workers_ != nullptr && !workers_->CanWork()) {
+      workers_ = nullptr;
+    }
   }
 
   bool Run() {

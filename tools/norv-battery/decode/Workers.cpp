@@ -1,12 +1,17 @@
 #include "decode/Workers.h"
 
+#include <system_error>
 #include <utility>
 
 namespace norv::tool {
 
 Workers::Workers(unsigned int count, std::function<void(Task&)> work) : work_(std::move(work)) {
-  for (unsigned int number = 0; number < count; ++number) {
-    threads_.emplace_back([this](const std::stop_token& stop) { Work(stop); });
+  try {
+    for (unsigned int number = 0; number < count; ++number) {
+      threads_.emplace_back([this](const std::stop_token& stop) { Work(stop); });
+    }
+  } catch (const std::system_error&) {
+    // The system has no more threads. Those that there are do the same work.
   }
 }
 

@@ -29,11 +29,15 @@ struct Task {
 // it likes: the output's order is made there.
 class Workers {
  public:
+  // Starts up to `count` threads, as many as the system has left.
   Workers(unsigned int count, std::function<void(Task&)> work);
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
   // Ends the threads; tasks that none has begun stay undone.
   ~Workers() = default;
+
+  // False where not one thread could be started: then nothing would be done.
+  bool CanWork() const { return !threads_.empty(); }
 
   // `task` is the workers' until it was waited for.
   void Give(Task& task);
