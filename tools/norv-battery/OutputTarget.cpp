@@ -1,15 +1,11 @@
 #include "OutputTarget.h"
 
-#include <array>
-#include <cerrno>
-#include <cstdio>
 #include <filesystem>
-#include <random>
 #include <system_error>
-#include <utility>
 
 #include "BinaryStreams.h"
 #include "EscapeText.h"
+#include "PartialFile.h"
 #include "StandardStreams.h"
 
 namespace norv::tool {
@@ -29,11 +25,7 @@ std::string NameOf(const fs::path& path) {
 }
 
 void ComplainAbout(const fs::path& path, const std::string& reason) {
-  Complain("--output: '" + EscapeText(NameOf(path)) + "' cannot be written to: " + reason);
-}
-
-std::string SystemMessage(int code) {
-  return std::generic_category().message(code);
+  Complain("--output: " + Quote(NameOf(path)) + " cannot be written to: " + reason);
 }
 
 class StandardOutput : public OutputTarget {
@@ -43,85 +35,82 @@ class StandardOutput : public OutputTarget {
   bool Complete() override { return true; }
 };
 
-// A name beside `target` that nobody else has.
-fs::path PartialPath(const fs::path& target) {
-  std::random_device random;
-  std::array<char, 16> suffix{};
-  std::snprintf(suffix.data(), suffix.size(), ".%08x.part", random());
-  fs::path path = target;
-  path += suffix.data();
-  return path;
-}
-
 class OutputFile : public OutputTarget {
  public:
-  OutputFile(fs::path target, fs::path partial, std::FILE* file)
-      : target_(std::move(target)), partial_(std::move(partial)), file_(file) {}
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
-  ~OutputFile() override {
-    if (file_ != nullptr) {
-      std::fclose(file_);
-    }
-    std::error_code ignored;
-    fs::remove(partial_, ignored);  // nothing, once it has been renamed
-  }
+  // Throws std::system_error.
+  explicit OutputFile(const fs::path& target) : target_(target), file_(PartialFile::Create(target)) {}
 
   bool Write(std::string_view bytes) override {
-    errno = 0;
-    // A view of nothing may have no address, which fwrite() must not be given.
-    if (bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file_) == bytes.size()) {
-      return true;
-    }
-    ComplainAbout(target_, SystemMessage(errno));
-    return false;
+    return Attempt([&] { file_->Write(bytes); });
   }
-
   bool Complete() override {
-    errno = 0;
-    if (std::fclose(std::exchange(file_, nullptr)) != 0) {
-      ComplainAbout(target_, SystemMessage(errno));
-      return false;
-    }
-    std::error_code failure;
-    fs::rename(partial_, target_, failure);
-    if (failure) {
-      ComplainAbout(target_, failure.message());
-    }
-    return !failure;
+    return Attempt([this] { file_->ReplaceTarget(); });
   }
 
  private:
+  template <typename Action>
+  bool Attempt(Action action) {
+    try {
+      action();
+    } catch (const std::system_error& failure) {
+      ComplainAbout(target_, failure.code().message());
+      return false;
+    }
+    return true;
+  }
+
   fs::path target_;
-  fs::path partial_;
-  std::FILE* file_;
+  std::unique_ptr<PartialFile> file_;
 };
 
-std::unique_ptr<OutputTarget> OpenFile(const std::string& path) {
-  std::error_code failure;
-  fs::path target = PathOf(path);
-  if (fs::is_symlink(target, failure)) {
-    target = fs::weakly_canonical(target, failure);  // the link stays one
+// What `path` leads to, which need not exist: a link stays one, and what it names is written. Nothing where links lead
+// to each other.
+std::optional<fs::path> FollowLinks(fs::path path) {
+  constexpr int kMostLinks = 40;  // where the system itself gives up
+  std::error_code ignored;
+  for (int links = 0; fs::is_symlink(fs::symlink_status(path, ignored)); ++links) {
+    if (links == kMostLinks) {
+      return std::nullopt;
+    }
+    path = path.parent_path() / fs::read_symlink(path, ignored);
   }
-  const fs::file_status status = fs::status(target, failure);
-  if (fs::exists(status) && !fs::is_regular_file(status)) {
-    ComplainAbout(target, fs::is_directory(status) ? "it is a directory" : "it is no regular file");
+  return path;
+}
+
+// Why nothing can be put in the place of `target`; null where something can.
+const char* Obstacle(const std::optional<fs::path>& target) {
+  if (!target) {
+    return "it is a link that leads in a circle";
+  }
+  if (target->empty()) {
+    return "it has no name";
+  }
+  std::error_code ignored;
+  const fs::file_status status = fs::status(*target, ignored);
+  if (fs::is_directory(status)) {
+    return "it is a directory";
+  }
+  return !fs::exists(status) || fs::is_regular_file(status) ? nullptr : "it is no regular file";
+}
+
+std::unique_ptr<OutputTarget> OpenFile(const fs::path& path) {
+  const auto target = FollowLinks(path);
+  if (const char* const obstacle = Obstacle(target)) {
+    ComplainAbout(path, obstacle);
     return nullptr;
   }
-  fs::path partial = PartialPath(target);
-  errno = 0;
-  std::FILE* const file = std::fopen(NameOf(partial).c_str(), "wb");
-  if (file == nullptr) {
-    ComplainAbout(target, SystemMessage(errno));
+  try {
+    return std::make_unique<OutputFile>(*target);
+  } catch (const std::system_error& failure) {
+    ComplainAbout(*target, failure.code().message());
     return nullptr;
   }
-  return std::make_unique<OutputFile>(std::move(target), std::move(partial), file);
 }
 
 }  // namespace
 
 std::unique_ptr<OutputTarget> OpenOutput(const std::optional<std::string>& path) {
-  return path ? OpenFile(*path) : std::make_unique<StandardOutput>();
+  return path ? OpenFile(PathOf(*path)) : std::make_unique<StandardOutput>();
 }
 
 }  // namespace norv::tool

@@ -92,13 +92,14 @@ int Run(int argc, const char* const* argv) {
 }  // namespace norv::tool
 
 int main(int argc, char** argv) {
+  norv::tool::FillMissingStreams();
   try {
     return norv::tool::Run(argc, argv);
   } catch (const norv::simulator::MachineFileError& failure) {
-    norv::tool::Complain("--machine: " + std::string(failure.what()));
+    norv::tool::Complain("--machine: " + norv::tool::PrintableLine(failure.what()));
     return norv::tool::kUnusable;
   } catch (const std::exception& failure) {
-    norv::tool::Complain(failure.what());
+    norv::tool::Complain(norv::tool::PrintableLine(failure.what()));
     return norv::tool::kUnusable;
   }
 }
