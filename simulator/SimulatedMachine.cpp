@@ -77,6 +77,10 @@ const std::vector<Operation>& SimulatedMachine::Operations() const {
   return parts_->recorder.Operations();
 }
 
+void SimulatedMachine::ForgetOperations() {
+  parts_->recorder.Clear();
+}
+
 platform::Platform& SimulatedMachine::AsPlatform() {
   return parts_->recorder;
 }

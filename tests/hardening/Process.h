@@ -8,6 +8,9 @@ namespace norv::test {
 // The memory that the process holds in RAM, in bytes.
 std::size_t ResidentSize();
 
+// The most that it ever held there.
+std::size_t PeakResidentSize();
+
 // Libraries that are loaded at run time, as the system does it. Each returns null or false on failure.
 void* LoadLibraryFile(const char* path);
 void* FindFunction(void* library, const char* name);

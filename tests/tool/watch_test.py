@@ -159,6 +159,29 @@ class LinuxTest(WatchTest):
             self.assertTrue(line.endswith(b"\n"))
             json.loads(line)
 
+    def test_an_interrupt_ends_it_while_its_pipe_is_full(self):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            watch = self.start(STORY, "--interval", "0.01", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            before = -1
+            while before != (now := struct.unpack("i", fcntl.ioctl(watch.stdout, termios.FIONREAD, bytes(4)))[0]) or now == 0:
+                before = now
+                time.sleep(0.5)
+            watch.send_signal(number)
+            self.assertEqual(watch.wait(timeout=30), 0)
+            self.assertEqual(watch.communicate()[1], b"")
+
+    def test_what_is_ignored_when_it_starts_stays_ignored(self):
+        for number in (signal.SIGHUP, signal.SIGINT):
+            watch = self.start(STORY, "--interval", "0.01", stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                               preexec_fn=lambda number=number: signal.signal(number, signal.SIG_IGN))
+            watch.stdout.readline()
+            watch.send_signal(number)
+            for _ in range(30):
+                self.assertTrue(watch.stdout.readline())
+            watch.send_signal(signal.SIGTERM)
+            self.assertEqual(watch.communicate(timeout=30)[1], b"")
+            self.assertEqual(watch.returncode, 0)
+
     def test_a_closed_pipe_ends_it_quietly(self):
         for interval in ("0.01", "3600"):
             watch = self.start(STORY, "--interval", interval, stdout=subprocess.PIPE, stderr=subprocess.PIPE)

@@ -58,6 +58,9 @@ class SimulatedMachine {
   // Everything asked of the machine so far, in order.
   const std::vector<Operation>& Operations() const;
 
+  // Drops what Operations() holds, for a host that reads the machine again and again: they are kept without a limit.
+  void ForgetOperations();
+
   // The machine as a platform, its faults and the recording included. It lives as long as the machine.
   platform::Platform& AsPlatform();
 

@@ -1,6 +1,7 @@
 #include "../Process.h"
 
 #include <dlfcn.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -13,6 +14,12 @@ std::size_t ResidentSize() {
   std::size_t resident = 0;
   file >> total >> resident;
   return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::size_t PeakResidentSize() {
+  struct rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
 }
 
 void* LoadLibraryFile(const char* path) {

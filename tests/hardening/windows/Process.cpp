@@ -12,6 +12,12 @@ std::size_t ResidentSize() {
   return counters.WorkingSetSize;
 }
 
+std::size_t PeakResidentSize() {
+  PROCESS_MEMORY_COUNTERS counters{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+  return counters.PeakWorkingSetSize;
+}
+
 void* LoadLibraryFile(const char* path) {
   return LoadLibraryA(path);
 }

@@ -8,7 +8,10 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <system_error>
+
+#include "posix/Signals.h"
 
 namespace norv::tool {
 
@@ -19,12 +22,21 @@ constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 // A pipe, which a signal handler may write to and poll() waits for.
 std::array<int, 2> pipeEnds = {-1, -1};
 
+// While one of these passes, what is being written may still be taken.
+constexpr unsigned int kPatience = 1;  // seconds
+
 extern "C" void TellInterrupt(int) {
   const int code = errno;
   const char byte = 1;
   const auto written = ::write(pipeEnds[1], &byte, 1);
   static_cast<void>(written);  // a pipe that is full is full of interrupts
+  ::alarm(kPatience);
   errno = code;
+}
+
+// Makes a system call that waits fail, again and again: it may have begun to wait only just after an alarm.
+extern "C" void EndWait(int) {
+  ::alarm(kPatience);
 }
 
 // Up to one minute of what is left until `end`, rounded up.
@@ -40,21 +52,28 @@ Interrupt::Interrupt() {
   if (::pipe2(pipeEnds.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::system_error(errno, std::generic_category(), "the command cannot wait");
   }
-  struct sigaction action = {};
-  action.sa_handler = TellInterrupt;
-  action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  // What could not be written is not to be waited for once more when the process ends.
+  std::setvbuf(stdout, nullptr, _IONBF, 0);
+  HandleUnlessIgnored(SIGALRM, EndWait, 0);
   for (const int signal : kSignals) {
-    ::sigaction(signal, &action, nullptr);
+    HandleUnlessIgnored(signal, TellInterrupt, SA_RESTART | static_cast<int>(SA_RESETHAND));
   }
 }
 
 Interrupt::~Interrupt() {
   for (const int signal : kSignals) {
-    ::signal(signal, SIG_DFL);
+    HandleUnlessIgnored(signal, SIG_DFL, 0);
   }
+  ::alarm(0);
+  HandleUnlessIgnored(SIGALRM, SIG_DFL, 0);
   for (const int end : pipeEnds) {
     ::close(end);
   }
+}
+
+bool Interrupt::IsTold() const {
+  pollfd watched = {pipeEnds[0], POLLIN, 0};
+  return ::poll(&watched, 1, 0) > 0;
 }
 
 Pause Interrupt::WaitUntil(std::chrono::steady_clock::time_point end) {

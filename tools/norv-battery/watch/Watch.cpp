@@ -51,7 +51,7 @@ class Watch {
     auto next = std::chrono::steady_clock::now();
     for (unsigned int number = 1;; ++number) {
       if (!Show(number)) {
-        return kUnusable;
+        return interrupt_.IsTold() ? kSuccess : kUnusable;
       }
       if (number == options_.count) {
         return kSuccess;
@@ -71,6 +71,9 @@ class Watch {
 
  private:
   bool Show(unsigned int number) {
+    if (machine_.simulated != nullptr) {
+      machine_.simulated->ForgetOperations();  // a watch may last for weeks
+    }
     const Report report = ReadReport(machine_.source, {options_.cellSwell, false});
     Reading reading = MakeReading(number, platform::Platform::Current().Now(), report);
     const std::vector<Change> changes = number > 1 ? FindChanges(last_, reading) : std::vector<Change>();

@@ -7,19 +7,28 @@
 #include <cerrno>
 #include <system_error>
 
+#include "ExitStatus.h"
+
 namespace norv::tool {
 
 namespace {
 
+// Both live as long as the process: the thread of an interrupt may still look at them.
 HANDLE interrupted = nullptr;
+HANDLE ended = nullptr;
 
-// Called on a thread of its own. What it does not handle ends the process.
+// Called on a thread of its own. What it does not handle ends the process. The command has a second to end by itself:
+// nothing else ends one that waits for the reader of its output.
 BOOL WINAPI TellInterrupt(DWORD) {
+  constexpr DWORD kPatience = 1000;  // milliseconds
   static std::atomic<bool> isSecond{false};
   if (isSecond.exchange(true)) {
     return FALSE;
   }
   SetEvent(interrupted);
+  if (WaitForSingleObject(ended, kPatience) == WAIT_TIMEOUT) {
+    ExitProcess(kSuccess);
+  }
   return TRUE;
 }
 
@@ -27,7 +36,8 @@ BOOL WINAPI TellInterrupt(DWORD) {
 
 Interrupt::Interrupt() {
   interrupted = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  if (interrupted == nullptr) {
+  ended = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  if (interrupted == nullptr || ended == nullptr) {
     throw std::system_error(ENOMEM, std::generic_category(), "the command cannot wait");
   }
   SetConsoleCtrlHandler(TellInterrupt, TRUE);
@@ -35,7 +45,11 @@ Interrupt::Interrupt() {
 
 Interrupt::~Interrupt() {
   SetConsoleCtrlHandler(TellInterrupt, FALSE);
-  CloseHandle(interrupted);
+  SetEvent(ended);
+}
+
+bool Interrupt::IsTold() const {
+  return WaitForSingleObject(interrupted, 0) == WAIT_OBJECT_0;
 }
 
 Pause Interrupt::WaitUntil(std::chrono::steady_clock::time_point end) {
