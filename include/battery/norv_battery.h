@@ -16,11 +16,13 @@
  * grow. A size that this library does not know, 0 or one of a later version, gives NORV_BATTERY_INVALID_SIZE.
  *
  * Threads.  One thread at a time uses a handle, and a collection and its records count as one handle. Different handles
- * may be used in parallel. What takes no handle may be called from any thread at any time.
+ * may be used in parallel. What takes no handle may be called from any thread at any time. A handle that another
+ * function is using gives NORV_BATTERY_IN_USE, and nothing has happened to it; nothing can tell that a handle is closed
+ * already.
  *
  * Callbacks.  They are called only during the function that they were passed to, or for a channel and a log during the
  * functions that take their collection, on the thread that called it. They may not throw, not leave by longjmp(), and
- * not use the handle on whose behalf they are called.
+ * not use the handle on whose behalf they are called, which gives NORV_BATTERY_IN_USE.
  *
  * The numbers in this file never change their meaning; later versions add to them. Calls follow the C convention of the
  * system. */
@@ -69,7 +71,8 @@ enum norv_battery_status_code {
   NORV_BATTERY_STOPPED = 9,   /* a visitor asked for it */
   NORV_BATTERY_BORROWED = 10, /* a record that belongs to a collection goes with the collection only */
   NORV_BATTERY_OUT_OF_MEMORY = 11,
-  NORV_BATTERY_INTERNAL_ERROR = 12 /* something was thrown that nothing should throw */
+  NORV_BATTERY_INTERNAL_ERROR = 12, /* something was thrown that nothing should throw */
+  NORV_BATTERY_IN_USE = 13          /* another thread uses the handle, or the function that runs this callback does */
 };
 
 /* What `status` means, in a few words. A number that is no status gives NORV_BATTERY_INVALID_ARGUMENT. */
@@ -84,7 +87,7 @@ typedef struct norv_battery_record norv_battery_record;         /* one battery *
 /* A BIOS channel of the host's. Sends the command (first, second, third) with `inputSize` bytes of `input` and waits
  * for the answer. Returns the status of the channel in HRESULT form: 0 when the BIOS answered. Then it writes the
  * BIOS's return code (0: success) to `returnCode` and, on success, the answered block to the 128 bytes at `output`. It
- * keeps none of the pointers. */
+ * keeps none of the pointers. A channel that returns 0 and writes no return code has answered without success. */
 typedef int32_t (*norv_battery_channel)(void* context, uint32_t first, uint32_t second, uint32_t third,
                                         const uint8_t* input, uint32_t inputSize, uint8_t* output,
                                         uint32_t* returnCode);
@@ -123,7 +126,7 @@ typedef struct norv_battery_options {
 NORV_BATTERY_FUNCTION norv_battery_status norv_battery_open(const norv_battery_options* options,
                                                             norv_battery_collection** collection);
 
-/* Releases the collection with its records. NULL is fine. */
+/* Releases the collection with its records. NULL is fine; one in use gives NORV_BATTERY_IN_USE and stays. */
 NORV_BATTERY_FUNCTION norv_battery_status norv_battery_close(norv_battery_collection* collection);
 
 /* The record of slot 0 or 1. It belongs to the collection and is valid until that is closed; the same one each time. */
@@ -137,7 +140,8 @@ NORV_BATTERY_FUNCTION norv_battery_status norv_battery_decode(const uint8_t* blo
                                                               const uint8_t* cellSwell, size_t cellSwellSize,
                                                               norv_battery_record** record);
 
-/* Releases a decoded record. NULL is fine; a collection's record gives NORV_BATTERY_BORROWED and stays. */
+/* Releases a decoded record. NULL is fine; a collection's record gives NORV_BATTERY_BORROWED and stays, and so does one
+ * in use, which gives NORV_BATTERY_IN_USE. */
 NORV_BATTERY_FUNCTION norv_battery_status norv_battery_release(norv_battery_record* record);
 
 /* Runs the battery test and waits for its end, without a time limit. NORV_BATTERY_OK: there is a verdict, and the

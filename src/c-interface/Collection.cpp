@@ -15,6 +15,8 @@ using norv::shared::battery::c_interface::CopyErrorText;
 using norv::shared::battery::c_interface::Guarded;
 using norv::shared::battery::c_interface::HostChannel;
 using norv::shared::battery::c_interface::HostLog;
+using norv::shared::battery::c_interface::Release;
+using norv::shared::battery::c_interface::Using;
 using norv::shared::battery::c_interface::WriteError;
 using norv::shared::battery::diagnostics::MemoryWatch;
 using norv::shared::battery::diagnostics::ScopedLogListener;
@@ -40,7 +42,7 @@ norv_battery_status CheckOptions(const norv_battery_options& options) {
 void AdoptRecords(norv_battery_collection& collection) {
   for (unsigned char slot = 0; slot < NORV_BATTERY_SLOT_COUNT; ++slot) {
     if (NorvBatteryInfo* const info = collection.batteries.Query(slot)) {
-      norv_battery_record& record = collection.records.at(slot).emplace();
+      norv_battery_record& record = collection.records.at(slot).emplace(&collection.use);
       record.info = info;
       record.block = collection.channel->Information().at(slot).value();
       record.cellSwell = collection.channel->CellSwell().at(slot);
@@ -92,8 +94,7 @@ norv_battery_status norv_battery_open(const norv_battery_options* options, norv_
 }
 
 norv_battery_status norv_battery_close(norv_battery_collection* collection) {
-  delete collection;
-  return NORV_BATTERY_OK;
+  return Release(collection);
 }
 
 norv_battery_status norv_battery_get_record(norv_battery_collection* collection, uint32_t slot,
@@ -102,25 +103,21 @@ norv_battery_status norv_battery_get_record(norv_battery_collection* collection,
     return NORV_BATTERY_INVALID_ARGUMENT;
   }
   *record = nullptr;
-  if (collection == nullptr) {
-    return NORV_BATTERY_INVALID_ARGUMENT;
-  }
-  if (slot >= NORV_BATTERY_SLOT_COUNT) {
-    return NORV_BATTERY_INVALID_SLOT;
-  }
-  auto& found = collection->records[slot];
-  if (!found) {
-    return NORV_BATTERY_NO_BATTERY;
-  }
-  *record = &*found;
-  return NORV_BATTERY_OK;
+  return Using(collection, [=] {
+    if (slot >= NORV_BATTERY_SLOT_COUNT) {
+      return NORV_BATTERY_INVALID_SLOT;
+    }
+    auto& found = collection->records.at(slot);
+    if (!found) {
+      return NORV_BATTERY_NO_BATTERY;
+    }
+    *record = &*found;
+    return NORV_BATTERY_OK;
+  });
 }
 
 norv_battery_status norv_battery_run_test(norv_battery_collection* collection) {
-  return Guarded([collection] {
-    if (collection == nullptr) {
-      return NORV_BATTERY_INVALID_ARGUMENT;
-    }
+  return Using(collection, [collection] {
     const ScopedLogListener listening(&collection->log);
     const MemoryWatch memory;
     collection->test->RunBatteryTest();
@@ -134,25 +131,21 @@ norv_battery_status norv_battery_run_test(norv_battery_collection* collection) {
 
 norv_battery_status norv_battery_collection_error(const norv_battery_collection* collection,
                                                   norv_battery_error* error) {
-  return collection != nullptr ? WriteError(collection->batteries.GetError(), error) : NORV_BATTERY_INVALID_ARGUMENT;
+  return Using(collection, [=] { return WriteError(collection->batteries.GetError(), error); });
 }
 
 norv_battery_status norv_battery_collection_error_text(const norv_battery_collection* collection, int32_t part,
                                                        char* buffer, size_t bufferSize, size_t* needed) {
-  return Guarded([=] {
-    return collection != nullptr ? CopyErrorText(collection->batteries.GetError(), part, buffer, bufferSize, needed)
-                                 : NORV_BATTERY_INVALID_ARGUMENT;
-  });
+  return Using(collection,
+               [=] { return CopyErrorText(collection->batteries.GetError(), part, buffer, bufferSize, needed); });
 }
 
 norv_battery_status norv_battery_test_error(const norv_battery_collection* collection, norv_battery_error* error) {
-  return collection != nullptr ? WriteError(collection->test->GetError(), error) : NORV_BATTERY_INVALID_ARGUMENT;
+  return Using(collection, [=] { return WriteError(collection->test->GetError(), error); });
 }
 
 norv_battery_status norv_battery_test_error_text(const norv_battery_collection* collection, int32_t part, char* buffer,
                                                  size_t bufferSize, size_t* needed) {
-  return Guarded([=] {
-    return collection != nullptr ? CopyErrorText(collection->test->GetError(), part, buffer, bufferSize, needed)
-                                 : NORV_BATTERY_INVALID_ARGUMENT;
-  });
+  return Using(collection,
+               [=] { return CopyErrorText(collection->test->GetError(), part, buffer, bufferSize, needed); });
 }

@@ -1,6 +1,7 @@
 // What every function of the C interface has around it.
 #pragma once
 
+#include <atomic>
 #include <new>
 
 #include "c-interface/Interface.h"
@@ -17,6 +18,43 @@ norv_battery_status Guarded(Operation operation) noexcept {
   } catch (...) {
     return NORV_BATTERY_INTERNAL_ERROR;
   }
+}
+
+// Whether a function uses a handle. Its callbacks and other threads find out here, before they change what it reads, or
+// release it.
+class UseMark {
+ public:
+  // False when somebody uses the handle already.
+  bool Begin() { return !inUse_.test_and_set(std::memory_order_acquire); }
+  void End() { inUse_.clear(std::memory_order_release); }
+
+ private:
+  std::atomic_flag inUse_;
+};
+
+// Runs `operation`, which uses `handle`, unless that is null or in use.
+template <typename Handle, typename Operation>
+norv_battery_status Using(Handle* handle, Operation operation) noexcept {
+  if (handle == nullptr) {
+    return NORV_BATTERY_INVALID_ARGUMENT;
+  }
+  UseMark& use = handle->Use();
+  if (!use.Begin()) {
+    return NORV_BATTERY_IN_USE;
+  }
+  const norv_battery_status status = Guarded(operation);
+  use.End();
+  return status;
+}
+
+// Deletes a handle, unless it is in use.
+template <typename Handle>
+norv_battery_status Release(Handle* handle) {
+  if (handle != nullptr && !handle->Use().Begin()) {
+    return NORV_BATTERY_IN_USE;
+  }
+  delete handle;
+  return NORV_BATTERY_OK;
 }
 
 // True for a structure of the host's that has the size that this version knows.

@@ -28,6 +28,9 @@ class HostChannel : public norvbios::PrivateBiosWmi {
   const Blocks& CellSwell() const { return cellSwell_; }
 
  private:
+  std::int32_t AskHost(std::uint32_t first, std::uint32_t second, std::uint32_t third, const unsigned char* input,
+                       std::uint32_t inputSize, unsigned char* output, std::uint32_t* returnCode);
+
   norv_battery_channel callback_;
   void* context_;
   Blocks information_;

@@ -28,6 +28,8 @@ using norv::shared::battery::c_interface::Fields;
 using norv::shared::battery::c_interface::FindField;
 using norv::shared::battery::c_interface::Guarded;
 using norv::shared::battery::c_interface::ReadTest;
+using norv::shared::battery::c_interface::Release;
+using norv::shared::battery::c_interface::Using;
 using norv::shared::battery::c_interface::WriteError;
 using norv::shared::battery::record::WithoutOperatingSystemRates;
 
@@ -85,19 +87,13 @@ void WriteDescription(const FieldRow& row, norv_battery_description& description
   std::string_view(row.unit).copy(description.unit, sizeof description.unit - 1);
 }
 
-// What is wrong with the arguments of a read, and the row of its field when nothing is.
-norv_battery_status CheckRead(const void* handle, std::int32_t field, const FieldRow*& row) {
-  if (handle == nullptr) {
-    return NORV_BATTERY_INVALID_ARGUMENT;
-  }
-  row = FindField(field);
-  return row != nullptr ? NORV_BATTERY_OK : NORV_BATTERY_UNKNOWN_FIELD;
-}
-
-norv_battery_status CheckRead(const void* handle, std::int32_t field, const norv_battery_value* value,
-                              const FieldRow*& row) {
-  const norv_battery_status status = CheckRead(handle, field, row);
-  return status == NORV_BATTERY_OK ? CheckStructure(value) : status;
+// Runs operation(row), which uses `handle`, with the row of a field that there is.
+template <typename Handle, typename Operation>
+norv_battery_status UsingField(Handle* handle, std::int32_t field, Operation operation) {
+  return Using(handle, [=] {
+    const FieldRow* const row = FindField(field);
+    return row != nullptr ? operation(*row) : static_cast<norv_battery_status>(NORV_BATTERY_UNKNOWN_FIELD);
+  });
 }
 
 // The bytes that a field is read from; none where it is not one place of a block that is there.
@@ -182,11 +178,7 @@ norv_battery_status norv_battery_decode(const uint8_t* block, size_t blockSize, 
 }
 
 norv_battery_status norv_battery_release(norv_battery_record* record) {
-  if (record != nullptr && !record->IsDecoded()) {
-    return NORV_BATTERY_BORROWED;
-  }
-  delete record;
-  return NORV_BATTERY_OK;
+  return record == nullptr || record->IsDecoded() ? Release(record) : NORV_BATTERY_BORROWED;
 }
 
 int32_t norv_battery_field_count(void) {
@@ -207,60 +199,49 @@ norv_battery_status norv_battery_describe_field(int32_t field, norv_battery_desc
 
 norv_battery_status norv_battery_read_field(const norv_battery_record* record, int32_t field, norv_battery_value* value,
                                             char* text, size_t textBufferSize) {
-  return Guarded([=] {
-    const FieldRow* row = nullptr;
-    const norv_battery_status status = CheckRead(record, field, value, row);
-    return status == NORV_BATTERY_OK ? WriteAnswer(*row, row->read(*record), *value, text, textBufferSize) : status;
+  return UsingField(record, field, [=](const FieldRow& row) {
+    const norv_battery_status status = CheckStructure(value);
+    return status == NORV_BATTERY_OK ? WriteAnswer(row, row.read(*record), *value, text, textBufferSize) : status;
   });
 }
 
 norv_battery_status norv_battery_read_test(const norv_battery_collection* collection, int32_t field,
                                            norv_battery_value* value, char* text, size_t textBufferSize) {
-  return Guarded([=] {
-    const FieldRow* row = nullptr;
-    const norv_battery_status status = CheckRead(collection, field, value, row);
+  return UsingField(collection, field, [=](const FieldRow& row) {
+    const norv_battery_status status = CheckStructure(value);
     if (status != NORV_BATTERY_OK) {
       return status;
     }
-    if (row->source != NORV_BATTERY_FROM_BATTERY_TEST) {
+    if (row.source != NORV_BATTERY_FROM_BATTERY_TEST) {
       return static_cast<norv_battery_status>(NORV_BATTERY_UNKNOWN_FIELD);
     }
-    return WriteAnswer(*row, ReadTest(row->field, *collection->test), *value, text, textBufferSize);
+    return WriteAnswer(row, ReadTest(row.field, *collection->test), *value, text, textBufferSize);
   });
 }
 
 norv_battery_status norv_battery_read_bytes(const norv_battery_record* record, int32_t field, uint8_t* buffer,
                                             size_t bufferSize, size_t* needed) {
-  const FieldRow* row = nullptr;
-  const norv_battery_status status = CheckRead(record, field, row);
-  return status == NORV_BATTERY_OK ? CopyBytes(Bytes(*record, *row), buffer, bufferSize, needed) : status;
+  return UsingField(record, field,
+                    [=](const FieldRow& row) { return CopyBytes(Bytes(*record, row), buffer, bufferSize, needed); });
 }
 
 norv_battery_status norv_battery_field_error(const norv_battery_record* record, int32_t field,
                                              norv_battery_error* error) {
-  return Guarded([=] {
-    const FieldRow* row = nullptr;
-    const norv_battery_status status = CheckRead(record, field, row);
-    return status == NORV_BATTERY_OK ? WriteError(FieldFailure(*record, row->field), error) : status;
-  });
+  return UsingField(record, field,
+                    [=](const FieldRow& row) { return WriteError(FieldFailure(*record, row.field), error); });
 }
 
 norv_battery_status norv_battery_field_error_text(const norv_battery_record* record, int32_t field, int32_t part,
                                                   char* buffer, size_t bufferSize, size_t* needed) {
-  return Guarded([=] {
-    const FieldRow* row = nullptr;
-    const norv_battery_status status = CheckRead(record, field, row);
-    return status == NORV_BATTERY_OK
-               ? CopyErrorText(FieldFailure(*record, row->field), part, buffer, bufferSize, needed)
-               : status;
+  return UsingField(record, field, [=](const FieldRow& row) {
+    return CopyErrorText(FieldFailure(*record, row.field), part, buffer, bufferSize, needed);
   });
 }
 
 norv_battery_status norv_battery_for_each_field(const norv_battery_record* record, norv_battery_visitor visitor,
                                                 void* context) {
-  return Guarded([=] {
-    norv_battery_status status =
-        record != nullptr && visitor != nullptr ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
+  return Using(record, [=] {
+    norv_battery_status status = visitor != nullptr ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
     for (const FieldRow& row : Fields()) {
       if (status != NORV_BATTERY_OK) {
         break;

@@ -23,8 +23,9 @@ constexpr std::array kStatusTexts{
     "the record belongs to a collection",
     "out of memory",
     "internal error",
+    "the handle is in use",
 };
-static_assert(kStatusTexts.size() == NORV_BATTERY_INTERNAL_ERROR + 1);
+static_assert(kStatusTexts.size() == NORV_BATTERY_IN_USE + 1);
 
 }  // namespace
 

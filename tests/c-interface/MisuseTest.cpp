@@ -1,15 +1,21 @@
 // Every way to use the C interface wrongly has its status.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstring>
 #include <stdexcept>
+#include <vector>
 
 #include "Reader.h"
 #include "unit/support/TestBlock.h"
 
 namespace norv::test::c {
 namespace {
+
+using ::testing::Each;
+using ::testing::IsEmpty;
+using ::testing::Not;
 
 int32_t NoBatteries(void* /*context*/, uint32_t /*first*/, uint32_t /*second*/, uint32_t /*third*/,
                     const uint8_t* /*input*/, uint32_t /*inputSize*/, uint8_t* /*output*/, uint32_t* returnCode) {
@@ -235,15 +241,105 @@ int32_t Throw(void* /*context*/, const norv_battery_description* /*description*/
 // Callbacks may not throw. One of the same compiler that does all the same meets a status and not the end of the host.
 TEST_F(CInterfaceMisuse, WhatAVisitorThrowsGoesNoFurther) {
   EXPECT_EQ(norv_battery_for_each_field(record_, Throw, nullptr), NORV_BATTERY_INTERNAL_ERROR);
+  EXPECT_EQ(ReadField(record_, NORV_BATTERY_CT_NUMBER).text, "6ABCDEFGH12345");
+}
+
+// What every function that takes a handle answers while another one uses that handle.
+std::vector<norv_battery_status> UseEverything(norv_battery_collection* collection, norv_battery_record* record) {
+  auto error = Sized<norv_battery_error>();
+  auto value = Sized<norv_battery_value>();
+  norv_battery_record* found = nullptr;
+  return {norv_battery_get_record(collection, 0, &found),
+          norv_battery_run_test(collection),
+          norv_battery_collection_error(collection, &error),
+          norv_battery_collection_error_text(collection, 0, nullptr, 0, nullptr),
+          norv_battery_test_error(collection, &error),
+          norv_battery_test_error_text(collection, 0, nullptr, 0, nullptr),
+          norv_battery_read_test(collection, NORV_BATTERY_TEST_RESULT, &value, nullptr, 0),
+          norv_battery_read_field(record, NORV_BATTERY_VOLTAGE, &value, nullptr, 0),
+          norv_battery_read_bytes(record, NORV_BATTERY_VOLTAGE, nullptr, 0, nullptr),
+          norv_battery_field_error(record, NORV_BATTERY_AGE, &error),
+          norv_battery_field_error_text(record, NORV_BATTERY_AGE, 0, nullptr, 0, nullptr),
+          norv_battery_for_each_field(record, SeeNothing, nullptr),
+          norv_battery_close(collection)};
+}
+
+struct Uses {
+  norv_battery_collection* collection = nullptr;
+  norv_battery_record* record = nullptr;
+  std::vector<norv_battery_status> statuses;
+
+  void Add() {
+    const std::vector<norv_battery_status> more = UseEverything(collection, record);
+    statuses.insert(statuses.end(), more.begin(), more.end());
+  }
+};
+
+void UseInLog(void* context, std::int32_t /*level*/, const char* /*function*/, const char* /*text*/) {
+  auto& uses = *static_cast<Uses*>(context);
+  if (uses.collection != nullptr) {
+    uses.Add();
+  }
+}
+
+TEST_F(CInterfaceMisuse, ALogDoesNotUseOrCloseTheCollectionThatIsTested) {
+  Uses uses;
+  options_.log = UseInLog;
+  options_.logContext = &uses;
+  options_.logLevel = NORV_BATTERY_LOG_ERROR;
+  const Collection collection(&options_);
+  uses.collection = collection.Get();
+  uses.record = collection.Record(0);
+  EXPECT_EQ(norv_battery_run_test(collection.Get()), NORV_BATTERY_NO_VERDICT);
+  EXPECT_THAT(uses.statuses, Not(IsEmpty()));
+  EXPECT_THAT(uses.statuses, Each(NORV_BATTERY_IN_USE));
+  EXPECT_EQ(ReadField(uses.record, NORV_BATTERY_CT_NUMBER).text, "6ABCDEFGH12345");
+}
+
+int32_t UseInVisitor(void* context, const norv_battery_description* /*description*/,
+                     const norv_battery_value* /*value*/, const char* /*text*/) {
+  static_cast<Uses*>(context)->Add();
+  return 0;
+}
+
+TEST_F(CInterfaceMisuse, AVisitorDoesNotUseOrCloseTheCollectionOfItsRecord) {
+  Uses uses{collection_, record_, {}};
+  EXPECT_EQ(norv_battery_for_each_field(record_, UseInVisitor, &uses), NORV_BATTERY_OK);
+  EXPECT_THAT(uses.statuses, Not(IsEmpty()));
+  EXPECT_THAT(uses.statuses, Each(NORV_BATTERY_IN_USE));
+}
+
+int32_t ReleaseInVisitor(void* context, const norv_battery_description* /*description*/,
+                         const norv_battery_value* /*value*/, const char* /*text*/) {
+  EXPECT_EQ(norv_battery_release(static_cast<norv_battery_record*>(context)), NORV_BATTERY_IN_USE);
+  return 0;
+}
+
+TEST_F(CInterfaceMisuse, AVisitorDoesNotReleaseItsRecord) {
+  const Decoded record(block_.Data());
+  EXPECT_EQ(norv_battery_for_each_field(record.Get(), ReleaseInVisitor, record.Get()), NORV_BATTERY_OK);
+  EXPECT_EQ(ReadField(record.Get(), NORV_BATTERY_CT_NUMBER).text, "6ABCDEFGH12345");
+}
+
+int32_t AnswerNothing(void* /*context*/, uint32_t /*first*/, uint32_t /*second*/, uint32_t /*third*/,
+                      const uint8_t* /*input*/, uint32_t /*inputSize*/, uint8_t* /*output*/, uint32_t* /*returnCode*/) {
+  return 0;
+}
+
+TEST_F(CInterfaceMisuse, AChannelThatWritesNoReturnCodeHasNoBattery) {
+  options_.channel = AnswerNothing;
+  const Collection collection(&options_);
+  EXPECT_EQ(collection.Record(0), nullptr);
+  EXPECT_EQ(CollectionFailure(collection.Get()).code, 0xFFFFFFFF);
 }
 
 TEST_F(CInterfaceMisuse, EveryStatusHasAText) {
-  for (norv_battery_status status = NORV_BATTERY_OK; status <= NORV_BATTERY_INTERNAL_ERROR; ++status) {
+  for (norv_battery_status status = NORV_BATTERY_OK; status <= NORV_BATTERY_IN_USE; ++status) {
     EXPECT_FALSE(Text([status](char* buffer, std::size_t size, std::size_t* needed) {
                    return norv_battery_status_text(status, buffer, size, needed);
                  }).empty());
   }
-  for (const norv_battery_status status : {-1, NORV_BATTERY_INTERNAL_ERROR + 1}) {
+  for (const norv_battery_status status : {-1, NORV_BATTERY_IN_USE + 1}) {
     EXPECT_EQ(norv_battery_status_text(status, nullptr, 0, nullptr), NORV_BATTERY_INVALID_ARGUMENT);
   }
 }
