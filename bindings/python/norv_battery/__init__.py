@@ -6,10 +6,12 @@
         for battery in batteries:
             print(battery.slot, battery.serial_number, battery.full_charge_capacity)
 
-The package is pure Python and calls the shared library norv-battery-info. It looks for the library where the environment
-variable NORV_BATTERY_LIBRARY says, then beside this package, then where the system keeps its libraries.
+The package is pure Python and calls the shared library norv-battery-info. It loads the file whose absolute path is in the
+environment variable NORV_BATTERY_LIBRARY; without that the file beside this package, or else the one in the system's own
+folders for libraries. Neither PATH nor the current folder is searched.
 
-One thread at a time uses a Batteries object and its Battery objects; different ones may be used in parallel.
+One thread at a time uses a Batteries object and its Battery objects, which raise InUseError otherwise; different ones may be
+used in parallel. Neither can be copied or pickled; what is read from them can.
 """
 
 from ._batteries import Answer, Batteries, open  # pylint: disable=redefined-builtin
@@ -18,6 +20,7 @@ from ._errors import (
     BatteryError,
     Error,
     Category,
+    InUseError,
     NoBatteryError,
     NoVerdictError,
     Status,
@@ -34,6 +37,7 @@ __all__ = [
     "Description",
     "Error",
     "Field",
+    "InUseError",
     "Kind",
     "LogLevel",
     "NoBatteryError",

@@ -7,9 +7,11 @@ import dataclasses
 import weakref
 from typing import Callable, Iterator, Optional
 
+from . import _checks
 from ._battery import Battery
 from ._errors import Error, NoBatteryError, NoVerdictError, Status, check, read_error
-from ._fields import Field, LogLevel, Reading, read
+from ._fields import Field, LogLevel, Reading, field_of, read
+from ._handle import Handle, Held
 from ._library import BLOCK_SIZE, SLOT_COUNT, Channel, Log, Options, library
 
 _READ_CELL_SWELL = 1
@@ -19,11 +21,32 @@ _FAILED = -2147467259  # E_FAIL: what the library is told when a channel raises
 
 @dataclasses.dataclass(frozen=True)
 class Answer:
-    """What a channel answers to a command."""
+    """What a channel answers to a command. TypeError or ValueError for anything that the library could not take as it is.
 
-    block: bytes = b""  # 128 bytes when the BIOS answered with success
-    return_code: int = 0  # of the BIOS
-    status: int = 0  # of the channel, in HRESULT form; 0: the BIOS answered
+    block        the 128 bytes that the BIOS answered with, when it answered with success; a bytearray or memoryview is copied
+    return_code  of the BIOS, 0 to 4294967295; 0 is success
+    status       of the channel, in HRESULT form as a signed number of 32 bits; 0: the BIOS answered
+    """
+
+    block: bytes = b""
+    return_code: int = 0
+    status: int = 0
+
+    def __post_init__(self) -> None:
+        checked = {
+            "block": _checks.bytes_of(self.block, "the block of an answer"),
+            "return_code": _checks.number_between(self.return_code, "the return code of an answer", 0, 2**32 - 1),
+            "status": _checks.number_between(self.status, "the status of an answer", -(2**31), 2**31 - 1),
+        }
+        for name, value in checked.items():
+            object.__setattr__(self, name, value)
+        if self._is_success and len(self.block) != BLOCK_SIZE:
+            raise ValueError(f"a channel answers with {BLOCK_SIZE} bytes, not with {len(self.block)}")
+
+    @property
+    def _is_success(self) -> bool:
+        """Whether the BIOS answered, and with a block."""
+        return self.status == 0 and self.return_code == 0
 
 
 ChannelFunction = Callable[[int, int, int, bytes], Answer]
@@ -35,8 +58,8 @@ class _Callbacks:
 
     def __init__(self, channel: Optional[ChannelFunction], log: Optional[LogFunction]) -> None:
         self._raised: Optional[BaseException] = None
-        self.channel = Channel(self._guarded(self._answer(channel), _FAILED)) if channel else Channel()
-        self.log = Log(self._guarded(self._write(log), None)) if log else Log()
+        self.channel = Channel(self._guarded(self._answer(channel), _FAILED)) if channel is not None else Channel()
+        self.log = Log(self._guarded(self._write(log), None)) if log is not None else Log()
 
     def raise_what_was_raised(self) -> None:
         """Raises the first exception that a function of the host's raised."""
@@ -63,11 +86,13 @@ class _Callbacks:
     def _answer(channel: ChannelFunction):
         def answer(_context, first, second, third, data, size, output, return_code) -> int:
             given = channel(first, second, third, ctypes.string_at(data, size))
-            if given.status == 0:
-                if given.return_code == 0 and len(given.block) != BLOCK_SIZE:
-                    raise ValueError(f"a channel answers with {BLOCK_SIZE} bytes, not with {len(given.block)}")
-                return_code[0] = given.return_code
-                ctypes.memmove(output, given.block, min(len(given.block), BLOCK_SIZE))
+            if not isinstance(given, Answer):
+                raise TypeError(f"a channel answers with an Answer, not with {given!r}")
+            # A subclass may answer with what nobody has checked.
+            given = Answer(given.block, given.return_code, given.status)
+            return_code[0] = given.return_code
+            if given._is_success:
+                ctypes.memmove(output, given.block, BLOCK_SIZE)
             return given.status
 
         return answer
@@ -80,8 +105,13 @@ class _Callbacks:
         return write
 
 
-class Batteries:
-    """Both slots of a machine, read once. A context manager: its batteries go when it is closed."""
+class Batteries(Held):
+    """Both slots of a machine, read once. A context manager: its batteries go when it is closed.
+
+    It can be neither copied nor pickled (TypeError). Its Battery objects and itself are used by one thread at a time, and
+    not by a log function that they call: a use meanwhile, closing included, raises InUseError and changes nothing. After it
+    is closed each use raises ValueError.
+    """
 
     def __init__(
         self,
@@ -92,51 +122,52 @@ class Batteries:
         log: Optional[LogFunction] = None,
         log_level: LogLevel = LogLevel.INFO,
     ) -> None:
-        self._callbacks = _Callbacks(channel, log)
+        """As open() says."""
+        flags = (_READ_CELL_SWELL if _checks.flag(cell_swell, "cell_swell") else 0) | (
+            _RUN_TEST if _checks.flag(test, "test") else 0
+        )
+        callbacks = _Callbacks(_checks.function(channel, "channel"), _checks.function(log, "log"))
         options = Options(
             size=ctypes.sizeof(Options),
-            flags=(_READ_CELL_SWELL if cell_swell else 0) | (_RUN_TEST if test else 0),
-            channel=self._callbacks.channel,
-            log=self._callbacks.log,
-            logLevel=log_level,
+            flags=flags,
+            channel=callbacks.channel,
+            log=callbacks.log,
+            logLevel=_checks.number_between(log_level, "log_level", LogLevel.NONE, LogLevel.VERBOSE),
         )
-        handle = ctypes.c_void_p()
-        check(library().call("open", ctypes.byref(options), ctypes.byref(handle)))
-        self._handle = handle.value
-        self._close = weakref.finalize(self, library().call, "close", handle.value)
+        collection = ctypes.c_void_p()
+        status = library().call("open", ctypes.byref(options), ctypes.byref(collection))
+        self._callbacks = callbacks
+        self._handle = Handle("close", collection.value)
         try:
-            self._callbacks.raise_what_was_raised()
+            callbacks.raise_what_was_raised()
+            check(status)
         except BaseException:
             self.close()
             raise
 
     def __enter__(self) -> "Batteries":
-        self.demand_open()
-        return self
+        with self._handle:
+            return self
 
     def __exit__(self, *_exception) -> None:
         self.close()
 
     def close(self) -> None:
-        """Releases the batteries. They answer no more; closing twice is fine."""
-        self._close()
-
-    def demand_open(self) -> None:
-        """Raises ValueError when the batteries are closed."""
-        if not self._close.alive:
-            raise ValueError("these batteries are closed")
+        """Releases the batteries. They answer no more; closing twice is fine. InUseError while they are in use."""
+        self._handle.close()
 
     def get(self, slot: int) -> Optional[Battery]:
         """The battery of slot 0 or 1; None when the slot holds none, or it could not be read."""
-        self.demand_open()
+        slot = _checks.whole_number(slot, "a slot")
         if slot not in range(SLOT_COUNT):
             raise IndexError(f"there are slots 0 and 1 only, not {slot}")
         record = ctypes.c_void_p()
-        status = library().call("get_record", self._handle, slot, ctypes.byref(record))
+        with self._handle as handle:
+            status = library().call("get_record", handle, slot, ctypes.byref(record))
         if status == Status.NO_BATTERY:
             return None
         check(status)
-        return Battery(record.value, self, slot)
+        return Battery(self._handle, record.value, slot)
 
     def __getitem__(self, slot: int) -> Battery:
         battery = self.get(slot)
@@ -153,28 +184,33 @@ class Batteries:
     @property
     def error(self) -> Optional[Error]:
         """The last failure of a read or of the test. A second slot without a battery is no failure."""
-        self.demand_open()
-        return read_error("collection_error", self._handle)
+        with self._handle as handle:
+            return read_error("collection_error", handle)
 
     @property
     def test_error(self) -> Optional[Error]:
         """The last failure of the battery test itself."""
-        self.demand_open()
-        return read_error("test_error", self._handle)
+        with self._handle as handle:
+            return read_error("test_error", handle)
 
     def run_test(self) -> None:
-        """Runs the battery test and waits for its end, without a time limit. The battery of slot 0 has its verdict."""
-        self.demand_open()
-        status = library().call("run_test", self._handle)
-        self._callbacks.raise_what_was_raised()
+        """Runs the battery test and waits for its end, without a time limit. The battery of slot 0 has its verdict.
+
+        Meanwhile nothing else uses these batteries: not another thread, and not the log function, which this one calls.
+        """
+        callbacks = self._callbacks  # they stay for as long as the library may call them
+        with self._handle as handle:
+            status = library().call("run_test", handle)
+            callbacks.raise_what_was_raised()
         if status == Status.NO_VERDICT:
             raise NoVerdictError(Status.NO_VERDICT, self.test_error or self.error)
         check(status)
 
     def read_test(self, field: Field) -> Reading:
         """One of the battery test's three fields, as the test itself answers it."""
-        self.demand_open()
-        return read(lambda *target: library().call("read_test", self._handle, field, *target))
+        number = field_of(field)
+        with self._handle as handle:
+            return read(lambda *target: library().call("read_test", handle, number, *target))
 
 
 def open(  # pylint: disable=redefined-builtin
@@ -191,7 +227,9 @@ def open(  # pylint: disable=redefined-builtin
     test        run the battery test as well
     channel     sends a BIOS command: channel(first, second, third, input) gives an Answer
     log         receives the library's log: log(level, function, text)
+    log_level   how much of it, a LogLevel or another number from 0 to 6
 
-    What channel and log raise is raised again when the library has returned.
+    What channel and log raise is raised again when the library has returned. A value of another kind raises TypeError, a
+    number out of its range ValueError, before anything is read.
     """
     return Batteries(cell_swell=cell_swell, test=test, channel=channel, log=log, log_level=log_level)

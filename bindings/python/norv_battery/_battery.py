@@ -3,15 +3,13 @@
 from __future__ import annotations
 
 import ctypes
-import weakref
-from typing import TYPE_CHECKING, Generic, Iterator, Optional, TypeVar, overload
+from typing import Generic, Iterator, Optional, TypeVar, overload
 
+from ._checks import bytes_of
 from ._errors import Error, Status, check, read_error
-from ._fields import Field, Reading, State, read
+from ._fields import Field, Reading, State, field_of, read
+from ._handle import Handle, Held
 from ._library import library
-
-if TYPE_CHECKING:
-    from ._batteries import Batteries
 
 T = TypeVar("T")
 
@@ -54,11 +52,15 @@ class _Flag(_Property[bool]):
     pass
 
 
-class Battery:
+class Battery(Held):
     """The record of one battery: of a slot while its Batteries are open, or of a decoded block.
 
     Each field is a property, which is None unless the field has a value to be trusted. read() tells more: the state, and
     what the library's own accessor answers in every state.
+
+    It can be neither copied nor pickled (TypeError). It is used by one thread at a time, together with its Batteries
+    (InUseError), and not after they are closed (ValueError). What takes a field raises TypeError for what is no whole
+    number and ValueError for the number of no field.
     """
 
     manufacturer = _Text(Field.MANUFACTURER)
@@ -130,12 +132,13 @@ class Battery:
     test_version = _Text(Field.TEST_VERSION)
     valid = _Flag(Field.VALID)
 
-    def __init__(self, handle: int, batteries: Optional[Batteries] = None, slot: Optional[int] = None) -> None:
-        self._record = handle
-        self._batteries = batteries
+    def __init__(self, handle: Handle, record: int, slot: Optional[int] = None) -> None:
+        """Not for hosts: a battery comes from a Batteries object or from decode()."""
+        if not isinstance(handle, Handle):
+            raise TypeError("a battery comes from a Batteries object or from decode()")
+        self._handle = handle  # the collection's, or the decoded record's own
+        self._record = record
         self.slot = slot  # None for a decoded block
-        if batteries is None:
-            weakref.finalize(self, library().call, "release", handle)
 
     @property
     def cell_voltages(self) -> tuple[int, int, int, int]:
@@ -155,7 +158,9 @@ class Battery:
 
     def read(self, field: Field) -> Reading:
         """Reads a field."""
-        return read(lambda *target: library().call("read_field", self._handle(), field, *target))
+        number = field_of(field)
+        with self._handle:
+            return read(lambda *target: library().call("read_field", self._record, number, *target))
 
     def readings(self) -> Iterator[Reading]:
         """Reads all fields, one after another."""
@@ -164,27 +169,32 @@ class Battery:
 
     def bytes(self, field: Field) -> Optional[bytes]:
         """The firmware's bytes that a field is read from; None when it is not one place of a block that is there."""
+        number = field_of(field)
         needed = ctypes.c_size_t()
-        status = library().call("read_bytes", self._handle(), field, None, 0, ctypes.byref(needed))
-        if status == Status.NO_BYTES:
-            return None
-        check(status)
-        buffer = ctypes.create_string_buffer(needed.value)
-        check(library().call("read_bytes", self._handle(), field, buffer, needed.value, None))
+        with self._handle:
+            status = library().call("read_bytes", self._record, number, None, 0, ctypes.byref(needed))
+            if status == Status.NO_BYTES:
+                return None
+            check(status)
+            buffer = ctypes.create_string_buffer(needed.value)
+            check(library().call("read_bytes", self._record, number, buffer, needed.value, None))
         return buffer.raw
 
     def error(self, field: Field) -> Optional[Error]:
         """Why a field is not what one would wish; None where nothing failed."""
-        return read_error("field_error", self._handle(), field)
-
-    def _handle(self) -> int:
-        if self._batteries is not None:
-            self._batteries.demand_open()
-        return self._record
+        number = field_of(field)
+        with self._handle:
+            return read_error("field_error", self._record, number)
 
 
 def decode(block: bytes, cell_swell: Optional[bytes] = None) -> Battery:
-    """Decodes a block of 128 bytes that was read earlier or elsewhere, and the battery's cell swell protection block."""
-    handle = ctypes.c_void_p()
-    check(library().call("decode", block, len(block), cell_swell, len(cell_swell or b""), ctypes.byref(handle)))
-    return Battery(handle.value)
+    """Decodes a block of 128 bytes that was read earlier or elsewhere, and the battery's cell swell protection block.
+
+    Anything that has bytes will do, a bytearray or a memoryview, and is copied; TypeError for anything else, a
+    BatteryError with Status.INVALID_SIZE for another number of bytes.
+    """
+    block = bytes_of(block, "a block")
+    cell_swell = None if cell_swell is None else bytes_of(cell_swell, "a cell swell protection block")
+    record = ctypes.c_void_p()
+    check(library().call("decode", block, len(block), cell_swell, len(cell_swell or b""), ctypes.byref(record)))
+    return Battery(Handle("release", record.value), record.value)

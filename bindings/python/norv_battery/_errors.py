@@ -26,6 +26,7 @@ class Status(enum.IntEnum):
     BORROWED = 10
     OUT_OF_MEMORY = 11
     INTERNAL_ERROR = 12
+    IN_USE = 13
 
 
 class Category(enum.IntEnum):
@@ -59,9 +60,12 @@ class BatteryError(Exception):
     """
 
     def __init__(self, status: Status, error: Optional[Error] = None) -> None:
-        super().__init__(status_text(status) + (f": {error}" if error else ""))
+        super().__init__(status, error)  # what an exception is copied and pickled by
         self.status = status
         self.error = error
+
+    def __str__(self) -> str:
+        return status_text(self.status) + (f": {self.error}" if self.error else "")
 
 
 class NoBatteryError(BatteryError):
@@ -70,6 +74,10 @@ class NoBatteryError(BatteryError):
 
 class NoVerdictError(BatteryError):
     """The battery test gave no verdict."""
+
+
+class InUseError(RuntimeError):
+    """The batteries are in use: by another thread, or by the call that runs the callback this one comes from."""
 
 
 def read_text(copy: Callable[..., int]) -> str:

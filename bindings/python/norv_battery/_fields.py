@@ -7,6 +7,7 @@ import dataclasses
 import enum
 from typing import Callable, Optional, Union
 
+from ._checks import number_between
 from ._errors import Status, check
 from ._library import DescriptionStructure, ValueStructure, library
 
@@ -148,10 +149,15 @@ class Reading:
     text: str
 
 
+def field_of(value: Field) -> Field:
+    """The field, which the library would see as the one of another number if its own does not fit."""
+    return Field(number_between(value, "a field", min(Field), max(Field)))
+
+
 def describe(field: Field) -> Description:
-    """Describes a field."""
+    """Describes a field. TypeError for what is no field's number, ValueError for a number that is none of a field."""
     structure = DescriptionStructure(size=ctypes.sizeof(DescriptionStructure))
-    check(library().call("describe_field", field, ctypes.byref(structure)))
+    check(library().call("describe_field", field_of(field), ctypes.byref(structure)))
     return Description(
         field=Field(structure.field),
         name=structure.name.decode("ascii"),

@@ -3,12 +3,12 @@
 from __future__ import annotations
 
 import ctypes
-import ctypes.util
 import functools
 import os
 import pathlib
 import sys
 from ctypes import POINTER, c_char, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint8, c_uint32, c_void_p
+from typing import NamedTuple, Optional
 
 INTERFACE_VERSION = 1
 BLOCK_SIZE = 128
@@ -97,30 +97,69 @@ _ARGUMENTS = {
 }
 
 
-def _file_name() -> str:
-    if sys.platform == "win32":
-        return "norv-battery-info.dll"
-    return "libnorv-battery-info.dylib" if sys.platform == "darwin" else "libnorv-battery-info.so"
+# Where LoadLibraryEx looks for a DLL and for what that needs in turn. Neither has PATH or the current folder in it.
+_SYSTEM32 = 0x800  # LOAD_LIBRARY_SEARCH_SYSTEM32
+_OWN_FOLDER_AND_SYSTEM32 = 0x100 | _SYSTEM32  # LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR
+
+# Where Linux systems keep libraries, those of an administrator's own installations first; each for Debian's names of
+# architectures, for systems with both widths, and plain.
+_LINUX_FOLDERS = ("/usr/local/lib", "/usr/lib")
+_SONAME = "libnorv-battery-info.so.0"
 
 
-def _candidates() -> list[str]:
-    named = os.environ.get("NORV_BATTERY_LIBRARY")
-    if named:
-        return [named]
-    beside = pathlib.Path(__file__).resolve().parent / _file_name()
-    found = ctypes.util.find_library("norv-battery-info")
-    return [*([str(beside)] if beside.exists() else []), *([found] if found else []), _file_name()]
+class Candidate(NamedTuple):
+    """A file that the library may be."""
+
+    name: str
+    winmode: Optional[int] = None  # how Windows searches; elsewhere the name is a whole path
+
+
+def _windows_candidates(package: str) -> list[Candidate]:
+    name = "norv-battery-info.dll"
+    beside = str(pathlib.PureWindowsPath(package) / name)
+    return [Candidate(beside, _OWN_FOLDER_AND_SYSTEM32), Candidate(name, _SYSTEM32)]
+
+
+def _linux_candidates(package: str, architecture: Optional[str]) -> list[Candidate]:
+    # Whole paths, because a name would be searched in LD_LIBRARY_PATH, where an empty entry means the current folder.
+    endings = ([f"/{architecture}"] if architecture else []) + ["64", ""]
+    installed = [f"{folder}{ending}/{_SONAME}" for folder in _LINUX_FOLDERS for ending in endings]
+    return [Candidate(name) for name in (f"{package}/libnorv-battery-info.so", *installed)]
+
+
+def candidates(platform: str, named: Optional[str], package: str, architecture: Optional[str]) -> list[Candidate]:
+    """The files that the library may be; the first that can be loaded is it.
+
+    platform      sys.platform
+    named         the value of NORV_BATTERY_LIBRARY
+    package       the folder of this package
+    architecture  the name that Debian's systems have for it, "x86_64-linux-gnu"
+    """
+    is_windows = platform == "win32"
+    if not named:
+        return _windows_candidates(package) if is_windows else _linux_candidates(package, architecture)
+    path = pathlib.PureWindowsPath(named) if is_windows else pathlib.PurePosixPath(named)
+    if not path.is_absolute():
+        raise OSError(
+            f"NORV_BATTERY_LIBRARY names the library's file by its absolute path, not by {named!r}: "
+            "what that is would depend on the current folder"
+        )
+    return [Candidate(str(path), _OWN_FOLDER_AND_SYSTEM32 if is_windows else None)]
 
 
 def _load() -> ctypes.CDLL:
+    package = str(pathlib.Path(__file__).resolve().parent)
+    named = os.environ.get("NORV_BATTERY_LIBRARY")
+    architecture = getattr(sys.implementation, "_multiarch", None)
     failures = []
-    for name in _candidates():
+    for candidate in candidates(sys.platform, named, package, architecture):
         try:
-            return ctypes.CDLL(name)
+            return ctypes.CDLL(candidate.name, winmode=candidate.winmode)
         except OSError as failure:
             failures.append(f"  {failure}")
     raise OSError(
-        "the library norv-battery-info was not found; NORV_BATTERY_LIBRARY may name its file:\n" + "\n".join(failures)
+        "the library norv-battery-info could not be loaded; NORV_BATTERY_LIBRARY may name its file by an absolute path:\n"
+        + "\n".join(failures)
     )
 
 

@@ -274,7 +274,7 @@ class MemoryTest(unittest.TestCase):
 
     def test_what_is_not_closed_is_closed_when_it_goes(self):
         batteries = norv_battery.open(channel=one_battery)
-        closed = batteries._close
+        closed = batteries._handle._closing
         battery = batteries[0]
         del batteries
         self.assertEqual(battery.serial_number, "04217 2022-09-14")
