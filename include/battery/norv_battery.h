@@ -21,8 +21,8 @@
  * already.
  *
  * Callbacks.  They are called only during the function that they were passed to, or for a channel and a log during the
- * functions that take their collection, on the thread that called it. They may not throw, not leave by longjmp(), and
- * not use the handle on whose behalf they are called, which gives NORV_BATTERY_IN_USE.
+ * functions that take their collection, on the thread that called it. They may not throw, not leave by longjmp() or by
+ * ending their thread, and not use the handle on whose behalf they are called, which gives NORV_BATTERY_IN_USE.
  *
  * The numbers in this file never change their meaning; later versions add to them. Calls follow the C convention of the
  * system. */

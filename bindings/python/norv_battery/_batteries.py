@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import contextlib
 import ctypes
 import dataclasses
 import weakref
@@ -9,6 +10,7 @@ from typing import Callable, Iterator, Optional
 
 from . import _checks
 from ._battery import Battery
+from ._ending import calling_back
 from ._errors import Error, NoBatteryError, NoVerdictError, Status, check, read_error
 from ._fields import Field, LogLevel, Reading, field_of, read
 from ._handle import Handle, Held
@@ -60,6 +62,12 @@ class _Callbacks:
         self._raised: Optional[BaseException] = None
         self.channel = Channel(self._guarded(self._answer(channel), _FAILED)) if channel is not None else Channel()
         self.log = Log(self._guarded(self._write(log), None)) if log is not None else Log()
+        self._around_calls = contextlib.nullcontext() if channel is None and log is None else calling_back
+
+    def call(self, name: str, *arguments) -> int:
+        """Calls a function of the library that may call these functions of the host's."""
+        with self._around_calls:
+            return library().call(name, *arguments)
 
     def raise_what_was_raised(self) -> None:
         """Raises the first exception that a function of the host's raised."""
@@ -135,7 +143,7 @@ class Batteries(Held):
             logLevel=_checks.number_between(log_level, "log_level", LogLevel.NONE, LogLevel.VERBOSE),
         )
         collection = ctypes.c_void_p()
-        status = library().call("open", ctypes.byref(options), ctypes.byref(collection))
+        status = callbacks.call("open", ctypes.byref(options), ctypes.byref(collection))
         self._callbacks = callbacks
         self._handle = Handle("close", collection.value)
         try:
@@ -200,7 +208,7 @@ class Batteries(Held):
         """
         callbacks = self._callbacks  # they stay for as long as the library may call them
         with self._handle as handle:
-            status = library().call("run_test", handle)
+            status = callbacks.call("run_test", handle)
             callbacks.raise_what_was_raised()
         if status == Status.NO_VERDICT:
             raise NoVerdictError(Status.NO_VERDICT, self.test_error or self.error)
@@ -229,7 +237,8 @@ def open(  # pylint: disable=redefined-builtin
     log         receives the library's log: log(level, function, text)
     log_level   how much of it, a LogLevel or another number from 0 to 6
 
-    What channel and log raise is raised again when the library has returned. A value of another kind raises TypeError, a
+    What channel and log raise is raised again when the library has returned. The interpreter does not end before it has,
+    not for a daemon thread either. A value of another kind raises TypeError, a
     number out of its range ValueError, before anything is read.
     """
     return Batteries(cell_swell=cell_swell, test=test, channel=channel, log=log, log_level=log_level)

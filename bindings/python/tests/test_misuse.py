@@ -226,6 +226,59 @@ class LifetimeTest(unittest.TestCase):
             last = Last()
         """), (0, "these batteries are closed\n0\n", ""))
 
+    def test_the_end_of_the_interpreter_waits_for_the_functions_of_the_host(self):
+        for call in ("lambda: norv_battery.open(channel=one_battery, log=log)",
+                     "norv_battery.open(channel=one_battery, log=lambda *_: called.is_set() and log()).run_test"):
+            done, heard, said = run_python(f"""
+                import os, threading, time
+                from test_norv_battery import norv_battery, one_battery
+                def log(*_):
+                    entered.set()
+                    time.sleep(0.1)
+                    os.write(1, b".")
+                called, entered = threading.Event(), threading.Event()
+                threading.excepthook = lambda *_: None
+                call = {call}
+                called.set()
+                threading.Thread(target=call, daemon=True).start()
+                entered.wait(20)
+            """)
+            self.assertEqual((done, said), (0, ""))
+            self.assertRegex(heard, r"^\.\.+$")
+
+    def test_the_end_of_the_interpreter_waits_for_nothing_else(self):
+        self.assertEqual(run_python("""
+            import threading, time
+            from test_norv_battery import norv_battery
+            handle = norv_battery.decode(bytes(128))._handle
+            def use():
+                with handle:
+                    used.set()
+                    time.sleep(100)
+            used = threading.Event()
+            threading.Thread(target=use, daemon=True).start()
+            used.wait(20)
+        """), (0, "", ""))
+
+    @unittest.skipUnless(hasattr(os, "fork"), "there is no fork on this system")
+    def test_a_forked_process_does_not_wait_for_threads_that_it_lacks(self):
+        self.assertEqual(run_python("""
+            import os, sys, threading
+            from test_norv_battery import norv_battery, one_battery
+            def log(*_):
+                entered.set()
+                forked.wait(20)
+            entered, forked = threading.Event(), threading.Event()
+            thread = threading.Thread(target=norv_battery.open, kwargs={"channel": one_battery, "log": log})
+            thread.start()
+            entered.wait(20)
+            child = os.fork()
+            if child:
+                print(os.waitpid(child, 0)[1])
+                forked.set()
+                thread.join()
+        """)[:2], (0, "0\n"))  # later versions of Python warn of such a fork
+
 
 class AnswerTest(unittest.TestCase):
     def test_takes_nothing_but_bytes_and_numbers(self):
