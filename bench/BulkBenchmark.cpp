@@ -131,7 +131,7 @@ void WriteSameBytes(benchmark::State& state, tool::RowFormat format) {
   SetRates(state, bytes.size());
 }
 
-// What a row costs as a document of the JSON library that the reports are written with: its dump alone, and with the
+// What a row costs as a document of the JSON library that most programs use: its dump alone, and with the
 // copy of all values that has to be there before it. Filling one from accessors costs no less than such a copy.
 void DumpRowWithLibrary(benchmark::State& state, bool isBuiltToo) {
   const std::string bytes = DecodedBytes(tool::RowFormat::JsonLines);

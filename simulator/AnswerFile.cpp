@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "BlockFile.h"
@@ -22,10 +21,11 @@ constexpr std::int64_t kLargestTime = std::int64_t{1} << 53;  // beyond it a num
 constexpr std::uint32_t kLargestCode = std::numeric_limits<std::uint32_t>::max();
 
 bool ReadTruth(const JsonNode& node) {
-  if (!node.Value().is_boolean()) {
+  const auto* const truth = node.Value().As<bool>();
+  if (truth == nullptr) {
     node.FailExpecting("true or false");
   }
-  return node.Value().get<bool>();
+  return *truth;
 }
 
 void ReadFlag(const JsonNode& result, const JsonNode&, Answer& answer) {
@@ -37,8 +37,7 @@ void ReadNothing(const JsonNode& result, const JsonNode&, Answer&) {
 }
 
 void ReadCode(const JsonNode& result, const JsonNode&, Answer& answer) {
-  const bool isZero = result.Value().is_number() && result.Value().get<double>() == 0;
-  answer.outcome.number = isZero ? 0 : result.SignedCode();
+  answer.outcome.number = result.Value().Number() == 0.0 ? 0 : result.SignedCode();
 }
 
 void ReadTime(const JsonNode& result, const JsonNode&, Answer& answer) {

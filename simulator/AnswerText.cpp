@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "HexText.h"
 #include "OperationText.h"
@@ -12,10 +11,12 @@ namespace norv::simulator {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using json::Array;
+using json::Object;
+using json::Value;
 
-Json ThrownJson(const Thrown& thrown) {
-  Json json{{"throws", thrown.kind}};
+Object ThrownJson(const Thrown& thrown) {
+  Object json{{"throws", thrown.kind}};
   if (!thrown.text.empty()) {
     json["text"] = ByteText(thrown.text);
   }
@@ -28,35 +29,35 @@ Json ThrownJson(const Thrown& thrown) {
   return json;
 }
 
-Json ResultCode(std::int64_t code) {
-  return code == 0 ? Json(0) : Json(CodeText(code));
+Value ResultCode(std::int64_t code) {
+  return code == 0 ? Value(0) : Value(CodeText(code));
 }
 
-Json TextReadJson(const TextRead& read) {
+Value TextReadJson(const TextRead& read) {
   if (read.thrown.has_value()) {
     return ThrownJson(*read.thrown);
   }
-  return read.code != 0 ? Json{{"fail", CodeText(read.code)}} : Json(ByteText(read.value));
+  return read.code != 0 ? Value(Object{{"fail", CodeText(read.code)}}) : Value(ByteText(read.value));
 }
 
-Json NumberReadJson(const NumberRead& read) {
+Value NumberReadJson(const NumberRead& read) {
   if (read.thrown.has_value()) {
     return ThrownJson(*read.thrown);
   }
-  return read.value.has_value() ? Json(*read.value) : Json(nullptr);
+  return read.value;
 }
 
 // A property in as few words as say all that was read of it.
-Json PropertyJson(const PropertyReads& reads) {
+Value PropertyJson(const PropertyReads& reads) {
   const bool onlyNumber = reads.number.has_value() && !reads.text.has_value();
   if (onlyNumber && !reads.number->thrown.has_value()) {
     return NumberReadJson(*reads.number);
   }
   const bool onlyText = reads.text.has_value() && !reads.number.has_value() && !reads.text->thrown.has_value();
   if (onlyText && (reads.text->code != 0 || IsUtf8(reads.text->value))) {
-    return reads.text->code != 0 ? TextReadJson(*reads.text) : Json(reads.text->value);
+    return reads.text->code != 0 ? TextReadJson(*reads.text) : Value(reads.text->value);
   }
-  Json json = Json::object();
+  Object json;
   if (reads.text.has_value()) {
     json["text"] = TextReadJson(*reads.text);
   }
@@ -66,7 +67,7 @@ Json PropertyJson(const PropertyReads& reads) {
   return json;
 }
 
-void AddBiosResult(const Outcome& outcome, Json& json) {
+void AddBiosResult(const Outcome& outcome, Object& json) {
   if (outcome.number != 0) {
     json["status"] = CodeText(outcome.number);
   } else if (outcome.returnCode != 0) {
@@ -76,7 +77,7 @@ void AddBiosResult(const Outcome& outcome, Json& json) {
   }
 }
 
-void AddBuffer(const Outcome& outcome, Json& json) {
+void AddBuffer(const Outcome& outcome, Object& json) {
   const std::string text = outcome.text.value_or("");
   json["result"] = ByteText(text);
   if (outcome.number != static_cast<std::int64_t>(text.size())) {
@@ -84,29 +85,29 @@ void AddBuffer(const Outcome& outcome, Json& json) {
   }
 }
 
-void AddQueryResult(const RecordedCall& call, Json& json) {
+void AddQueryResult(const RecordedCall& call, Object& json) {
   if (call.outcome.number != 0) {
     json["result"] = CodeText(call.outcome.number);
     return;
   }
-  Json rows = Json::array();
+  Array rows;
   for (const RecordedRow& row : call.rows) {
-    rows.push_back(RowJson(row));
+    rows.emplace_back(RowJson(row));
   }
-  json["rows"] = rows;
+  json["rows"] = std::move(rows);
   if (call.end.has_value()) {
     json["end"] = ThrownJson(*call.end);
   }
 }
 
-void AddFolder(const Outcome& outcome, Json& json) {
+void AddFolder(const Outcome& outcome, Object& json) {
   json["result"] = !outcome.fails;
   if (outcome.text.has_value()) {
     json["report"] = ByteText(*outcome.text);
   }
 }
 
-void AddResult(const RecordedCall& call, Json& json) {
+void AddResult(const RecordedCall& call, Object& json) {
   const Outcome& outcome = call.outcome;
   const std::string& operation = call.operation;
   if (operation == kSendBiosCommand) {
@@ -118,7 +119,7 @@ void AddResult(const RecordedCall& call, Json& json) {
   } else if (operation == kRunProgram) {
     json["result"] = !outcome.fails;
   } else if (operation == kReadProductVersion) {
-    json["result"] = outcome.fails ? Json(nullptr) : Json(outcome.text.value_or(""));
+    json["result"] = outcome.fails ? Value() : Value(outcome.text.value_or(""));
   } else if (operation == kLibraryPath || operation == kFormatSystemMessage) {
     AddBuffer(outcome, json);
   } else if (operation == kModuleName || operation == kBatterySource) {
@@ -126,7 +127,7 @@ void AddResult(const RecordedCall& call, Json& json) {
   } else if (operation == kProgramDataFolder) {
     AddFolder(outcome, json);
   } else if (operation == kDriverStateOfCharge) {
-    json["result"] = outcome.fails ? Json(nullptr) : Json(outcome.number);
+    json["result"] = outcome.fails ? Value() : Value(outcome.number);
   } else if (operation == kReportInvalidParameter) {
     json["result"] = true;
   } else {
@@ -142,16 +143,16 @@ std::string CodeText(std::int64_t code) {
   return text.data();
 }
 
-nlohmann::ordered_json RowJson(const RecordedRow& row) {
-  Json json = Json::object();
+Object RowJson(const RecordedRow& row) {
+  Object json;
   for (const auto& [property, reads] : row) {
     json[property] = PropertyJson(reads);
   }
   return json;
 }
 
-nlohmann::ordered_json AnswerJson(const RecordedCall& call) {
-  Json json{{"operation", call.operation}};
+Object AnswerJson(const RecordedCall& call) {
+  Object json{{"operation", call.operation}};
   if (!call.wmiNamespace.empty()) {
     json["namespace"] = call.wmiNamespace;
   }
@@ -163,13 +164,15 @@ nlohmann::ordered_json AnswerJson(const RecordedCall& call) {
     json["input"] = input;
   }
   if (call.outcome.thrown.has_value()) {
-    json.update(ThrownJson(*call.outcome.thrown));
+    for (const auto& [key, value] : ThrownJson(*call.outcome.thrown)) {
+      json[key] = value;
+    }
   } else {
     AddResult(call, json);
   }
   if (call.outcome.left.has_value()) {
     const LeftCode& left = *call.outcome.left;
-    json["lastSystemCode"] = left.thrown.has_value() ? ThrownJson(*left.thrown) : Json(left.code);
+    json["lastSystemCode"] = left.thrown.has_value() ? Value(ThrownJson(*left.thrown)) : Value(left.code);
   }
   return json;
 }

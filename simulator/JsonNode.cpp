@@ -4,63 +4,39 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <nlohmann/json.hpp>
 
 #include "Text.h"
+#include "json/Describe.h"
 #include "norv/simulator/SimulatedMachine.h"
 
 namespace norv::simulator {
 
-namespace {
-
-constexpr std::size_t kShownLength = 60;
-
-bool IsPlainKey(const std::string& key) {
-  const auto isPlain = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '$';
-  };
-  return !key.empty() && std::all_of(key.begin(), key.end(), isPlain);
+JsonNode::JsonNode(const json::Value& value, const std::string& file) : value_(&value), file_(&file) {
 }
 
-std::string Quoted(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+JsonNode::JsonNode(const JsonNode& parent, const std::string& name, const json::Value& value)
+    : value_(&value), file_(parent.file_), path_(json::MemberPath(parent.path_, name)), name_(name) {
 }
 
-}  // namespace
-
-std::string MemberPath(const std::string& path, const std::string& key) {
-  if (IsPlainKey(key)) {
-    return path.empty() ? key : path + "." + key;
-  }
-  return path + "[" + Quoted(key) + "]";
-}
-
-JsonNode::JsonNode(const nlohmann::json& value, const std::string& file) : value_(&value), file_(&file) {
-}
-
-JsonNode::JsonNode(const JsonNode& parent, const std::string& name, const nlohmann::json& value)
-    : value_(&value), file_(parent.file_), path_(MemberPath(parent.path_, name)), name_(name) {
-}
-
-JsonNode::JsonNode(const JsonNode& parent, std::size_t index, const nlohmann::json& value)
-    : value_(&value), file_(parent.file_), path_(parent.path_ + "[" + std::to_string(index) + "]") {
+JsonNode::JsonNode(const JsonNode& parent, std::size_t index, const json::Value& value)
+    : value_(&value), file_(parent.file_), path_(json::ItemPath(parent.path_, index)) {
 }
 
 bool JsonNode::IsNull() const {
-  return value_->is_null();
+  return value_->IsNull();
 }
 bool JsonNode::IsText() const {
-  return value_->is_string();
+  return value_->Is<std::string>();
 }
 bool JsonNode::IsObject() const {
-  return value_->is_object();
+  return value_->Is<json::Object>();
 }
 
 const std::string& JsonNode::Text() const {
   if (!IsText()) {
     FailExpecting("a text");
   }
-  return value_->get_ref<const std::string&>();
+  return *value_->As<std::string>();
 }
 
 std::string JsonNode::ByteText(std::size_t maxLength) const {
@@ -77,16 +53,13 @@ std::string JsonNode::ByteText(std::size_t maxLength) const {
 
 std::int64_t JsonNode::WholeNumber(std::int64_t least, std::int64_t most) const {
   const std::string expected = "a whole number from " + std::to_string(least) + " to " + std::to_string(most);
-  if (!value_->is_number()) {
-    FailExpecting(expected);
-  }
   // A number beyond 2^53 is beyond every range here, so that reading it as a real loses nothing that counts.
-  const double number = value_->get<double>();
-  const bool isWhole = std::trunc(number) == number;
-  if (!isWhole || number < static_cast<double>(least) || number > static_cast<double>(most)) {
+  const std::optional<double> number = value_->Number();
+  const bool isWhole = number && std::trunc(*number) == *number;
+  if (!isWhole || *number < static_cast<double>(least) || *number > static_cast<double>(most)) {
     FailExpecting(expected);
   }
-  return static_cast<std::int64_t>(number);
+  return static_cast<std::int64_t>(*number);
 }
 
 std::optional<std::uint32_t> JsonNode::HexCode() const {
@@ -110,7 +83,7 @@ std::uint32_t JsonNode::Code() const {
     }
     return *code;
   }
-  if (!value_->is_number() || value_->get<double>() == 0) {
+  if (value_->Number().value_or(0) == 0) {
     FailExpecting(expected);
   }
   return static_cast<std::uint32_t>(WholeNumber(1, std::numeric_limits<std::uint32_t>::max()));
@@ -125,7 +98,7 @@ std::int32_t JsonNode::SignedCode() const {
     }
     return static_cast<std::int32_t>(*code);
   }
-  if (!value_->is_number() || value_->get<double>() == 0) {
+  if (value_->Number().value_or(0) == 0) {
     FailExpecting(expected);
   }
   using Limits = std::numeric_limits<std::int32_t>;
@@ -133,44 +106,47 @@ std::int32_t JsonNode::SignedCode() const {
 }
 
 void JsonNode::ExpectTrue() const {
-  if (!value_->is_boolean() || !value_->get<bool>()) {
+  if (*value_ != true) {
     FailExpecting("true");
   }
 }
 
 std::vector<JsonNode> JsonNode::Items(std::size_t most) const {
-  if (!value_->is_array() || value_->size() > most) {
+  const auto* const array = value_->As<json::Array>();
+  if (array == nullptr || array->size() > most) {
     FailExpecting(most < std::numeric_limits<std::size_t>::max()
                       ? "an array of at most " + std::to_string(most) + " entries"
                       : "an array");
   }
   std::vector<JsonNode> items;
-  for (const nlohmann::json& item : *value_) {
+  for (const json::Value& item : *array) {
     items.push_back(JsonNode(*this, items.size(), item));
   }
   return items;
 }
 
 std::vector<JsonNode> JsonNode::Members() const {
-  if (!IsObject()) {
+  const auto* const object = value_->As<json::Object>();
+  if (object == nullptr) {
     FailExpecting("an object");
   }
   std::vector<JsonNode> members;
-  for (const auto& member : value_->items()) {
-    members.push_back(JsonNode(*this, member.key(), member.value()));
+  for (const auto& [key, value] : *object) {
+    members.push_back(JsonNode(*this, key, value));
   }
   return members;
 }
 
 std::optional<JsonNode> JsonNode::Member(const std::string& key) const {
-  const auto found = value_->find(key);
-  return found != value_->end() ? std::optional(JsonNode(*this, key, *found)) : std::nullopt;
+  const auto* const object = value_->As<json::Object>();
+  const json::Value* const found = object != nullptr ? object->Find(key) : nullptr;
+  return found != nullptr ? std::optional(JsonNode(*this, key, *found)) : std::nullopt;
 }
 
 JsonNode JsonNode::RequiredMember(const std::string& key, const std::string& expected) const {
   const std::optional<JsonNode> member = Member(key);
   if (!member.has_value()) {
-    throw MachineFileError(*file_ + ": " + MemberPath(path_, key) + ": expected " + expected + ", found nothing");
+    throw MachineFileError(*file_ + ": " + json::MemberPath(path_, key) + ": expected " + expected + ", found nothing");
   }
   return *member;
 }
@@ -187,19 +163,8 @@ void JsonNode::ExpectKeys(const std::vector<std::string>& keys) const {
   }
 }
 
-std::string JsonNode::Shown() const {
-  if (value_->is_object()) {
-    return "an object";
-  }
-  if (value_->is_array()) {
-    return "an array of " + std::to_string(value_->size()) + (value_->size() == 1 ? " entry" : " entries");
-  }
-  const std::string text = value_->dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
-  return text.size() <= kShownLength ? text : text.substr(0, kShownLength) + "...";
-}
-
 void JsonNode::FailExpecting(const std::string& expected) const {
-  Fail("expected " + expected + ", got " + Shown());
+  Fail("expected " + expected + ", got " + json::Describe(*value_));
 }
 
 void JsonNode::Fail(const std::string& message) const {

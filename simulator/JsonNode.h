@@ -2,23 +2,24 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "json/Value.h"
 
 namespace norv::simulator {
 
 class JsonNode {
  public:
   // Both must outlive the node and those made from it.
-  JsonNode(const nlohmann::json& value, const std::string& file);
+  JsonNode(const json::Value& value, const std::string& file);
 
   bool IsNull() const;
   bool IsText() const;
   bool IsObject() const;
-  const nlohmann::json& Value() const { return *value_; }
+  const json::Value& Value() const { return *value_; }
 
   // Each throws MachineFileError when the value is not of its kind. Whole numbers may be written as 3, 3.0 or 3e0.
   const std::string& Text() const;
@@ -28,7 +29,7 @@ class JsonNode {
   std::int32_t SignedCode() const;  // the same, a number as a signed one
   void ExpectTrue() const;
   std::vector<JsonNode> Items(std::size_t most) const;
-  std::vector<JsonNode> Members() const;  // in the order of their names
+  std::vector<JsonNode> Members() const;
   std::optional<JsonNode> Member(const std::string& key) const;
   JsonNode RequiredMember(const std::string& key, const std::string& expected) const;
 
@@ -44,19 +45,15 @@ class JsonNode {
   [[noreturn]] void Fail(const std::string& message) const;
 
  private:
-  JsonNode(const JsonNode& parent, const std::string& name, const nlohmann::json& value);
-  JsonNode(const JsonNode& parent, std::size_t index, const nlohmann::json& value);
+  JsonNode(const JsonNode& parent, const std::string& name, const json::Value& value);
+  JsonNode(const JsonNode& parent, std::size_t index, const json::Value& value);
 
   std::optional<std::uint32_t> HexCode() const;
-  std::string Shown() const;
 
-  const nlohmann::json* value_;
+  const json::Value* value_;
   const std::string* file_;
   std::string path_;
   std::string name_;
 };
-
-// How a member of `path` is written: "path.key", or path["odd key"].
-std::string MemberPath(const std::string& path, const std::string& key);
 
 }  // namespace norv::simulator

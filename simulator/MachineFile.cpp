@@ -4,16 +4,15 @@
 #include <charconv>
 #include <fstream>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <system_error>
 
 #include "AnswerFile.h"
 #include "BlockFile.h"
 #include "FaultFile.h"
 #include "JsonNode.h"
-#include "JsonText.h"
 #include "VersionText.h"
 #include "WmiFile.h"
+#include "json/Parse.h"
 #include "norv/simulator/SimulatedMachine.h"
 
 namespace norv::simulator {
@@ -213,11 +212,19 @@ void ReadSurroundings(const JsonNode& root, MachineDescription& machine) {
   }
 }
 
+json::Value ParseText(const std::string& text, const std::string& file) {
+  try {
+    return json::Parse(text);
+  } catch (const json::ParseError& failure) {
+    throw MachineFileError(file + ": " + failure.what());
+  }
+}
+
 }  // namespace
 
 MachineDescription ReadMachine(const std::string& text, const std::string& file) {
-  const nlohmann::json json = ParseJson(text, file);
-  const JsonNode root(json, file);
+  const json::Value value = ParseText(text, file);
+  const JsonNode root(value, file);
   root.ExpectKeys({"$schema", "description", "source", "slots", "wmi", "testProgram", "programData", "systemMessages",
                    "modulePath", "clock", "answers", "faults", "recordedFrom"});
   if (const auto schema = root.Member("$schema")) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <nlohmann/json.hpp>
+#include <map>
 #include <set>
 
 #include "AnswerText.h"
@@ -14,13 +14,16 @@
 #include "SystemCalls.h"
 #include "Text.h"
 #include "WmiQuery.h"
+#include "json/Write.h"
 #include "norv/simulator/SimulatedMachine.h"
 
 namespace norv::simulator {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using json::Array;
+using json::Object;
+using json::Value;
 using Calls = std::vector<RecordedCall>;
 
 const RecordedCall* FindCall(const Calls& calls, const std::string& operation, const std::string& argument = {}) {
@@ -37,8 +40,8 @@ std::string OneLine(const std::string& text) {
   return line;
 }
 
-Json OriginJson(const Origin& origin, const Calls& calls) {
-  Json json{{"kind", origin.kind}};
+Object OriginJson(const Origin& origin, const Calls& calls) {
+  Object json{{"kind", origin.kind}};
   if (!origin.name.empty()) {
     json["name"] = OneLine(origin.name);
   }
@@ -53,7 +56,7 @@ Json OriginJson(const Origin& origin, const Calls& calls) {
 }
 
 // What a slot has for one of the two commands; `absent` is the return code that needs no words.
-void AddSlotAnswer(const RecordedCall* call, const std::string& name, std::uint32_t absent, Json& slot) {
+void AddSlotAnswer(const RecordedCall* call, const std::string& name, std::uint32_t absent, Object& slot) {
   if (call == nullptr) {
     return;
   }
@@ -61,24 +64,24 @@ void AddSlotAnswer(const RecordedCall* call, const std::string& name, std::uint3
   if (outcome.number != 0) {
     slot[name + "ChannelStatus"] = CodeText(outcome.number);
   } else if (outcome.block.has_value()) {
-    slot[name] = {{"hex", HexText(*outcome.block)}};
+    slot[name] = Object{{"hex", HexText(*outcome.block)}};
   } else if (outcome.returnCode != absent) {
     slot[name + "ReturnCode"] = outcome.returnCode;
   }
 }
 
-Json SlotsJson(const Calls& calls) {
-  Json slots = Json::array();
+Array SlotsJson(const Calls& calls) {
+  Array slots;
   for (const std::string number : {"0", "1"}) {
-    Json slot = Json::object();
+    Object slot;
     AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,7,1 slot " + number), "battery", kNoBattery, slot);
-    const std::uint32_t absent = slot.contains("battery") ? kNotSupported : kNoCellSwellBattery;
+    const std::uint32_t absent = slot.Find("battery") != nullptr ? kNotSupported : kNoCellSwellBattery;
     AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,86,1 slot " + number), "cellSwell", absent, slot);
     const RecordedCall* const charge = FindCall(calls, kDriverStateOfCharge, number);
     if (charge != nullptr && !charge->outcome.fails) {
       slot["driverStateOfCharge"] = charge->outcome.number;
     }
-    slots.push_back(slot.empty() ? Json(nullptr) : slot);
+    slots.push_back(slot.IsEmpty() ? Value() : Value(std::move(slot)));
   }
   return slots;
 }
@@ -89,68 +92,68 @@ std::string Spelled(const std::string& name, const std::string& query) {
   return place != std::string::npos ? query.substr(place, name.size()) : name;
 }
 
-// The class of that name, which a query may have spelled in another way before.
-Json& ClassOf(const std::string& name, const std::string& query, Json& classes) {
-  for (auto& [known, wmiClass] : classes.items()) {
-    if (Folded(known) == name) {
-      return wmiClass;
-    }
-  }
-  return classes[Spelled(name, query)];
-}
+// A namespace as it is described, with the names of its classes by the folded ones: a query may spell them in another
+// way than the one before.
+struct DescribedNamespace {
+  Object& classes;
+  std::map<std::string, std::string>& names;
+};
 
 // The rows of a query go to its class, with the property that it was filtered by.
-void AddQuery(const RecordedCall& call, Json& classes) {
+void AddQuery(const RecordedCall& call, DescribedNamespace into) {
   const std::optional<WmiQuery> query = ParseWmiQuery(call.argument);
   if (!query.has_value()) {
     return;
   }
-  Json& rows = ClassOf(query->wmiClass, call.argument, classes);
+  const auto name = into.names.try_emplace(query->wmiClass, Spelled(query->wmiClass, call.argument)).first;
+  Value& rows = into.classes[name->second];
   if (call.outcome.number != 0) {
-    rows = rows.is_null() ? Json{{"queryFails", CodeText(call.outcome.number)}} : rows;
+    rows = rows.IsNull() ? Object{{"queryFails", CodeText(call.outcome.number)}} : std::move(rows);
     return;
   }
-  if (!rows.is_array()) {
-    rows = Json::array();
+  if (!rows.Is<Array>()) {
+    rows = Array();
   }
   for (const RecordedRow& row : call.rows) {
-    Json object = RowJson(row);
+    Object object = RowJson(row);
     if (query->filter.has_value() && std::none_of(row.begin(), row.end(), [&](const auto& property) {
           return Folded(property.first) == query->filter->property;
         })) {
       object[Spelled(query->filter->property, call.argument)] = query->filter->value;
     }
-    rows.push_back(object);
+    rows.As<Array>()->emplace_back(std::move(object));
   }
 }
 
-Json WmiJson(const Calls& calls) {
-  Json wmi = Json::object();
+Object WmiJson(const Calls& calls) {
+  Object wmi;
   std::set<std::string> known;
   std::set<std::string> queries;
+  std::map<std::string, std::map<std::string, std::string>> names;
   for (const RecordedCall& call : calls) {
     if (call.operation == kConnectWmi && known.insert(NamespaceKey(call.argument)).second) {
       wmi[call.argument] =
-          call.outcome.number != 0 ? Json{{"connectFails", CodeText(call.outcome.number)}} : Json::object();
+          call.outcome.number != 0 ? Object{{"connectFails", CodeText(call.outcome.number)}} : Object();
     }
     const bool isNew = call.operation == kQuery && !call.outcome.thrown && queries.insert(CallKey(call)).second;
-    if (isNew && wmi.contains(call.wmiNamespace) && !wmi[call.wmiNamespace].contains("connectFails")) {
-      AddQuery(call, wmi[call.wmiNamespace]);
+    const Value* const classes = isNew ? wmi.Find(call.wmiNamespace) : nullptr;
+    if (classes != nullptr && (*classes)["connectFails"].IsNull()) {
+      AddQuery(call, {*wmi[call.wmiNamespace].As<Object>(), names[call.wmiNamespace]});
     }
   }
   return wmi;
 }
 
-Json TestProgramJson(const Calls& calls) {
+// Empty where nobody asked for it, or where there is none.
+Object TestProgramJson(const Calls& calls) {
   const RecordedCall* const version = FindCall(calls, kReadProductVersion);
   const RecordedCall* const run = FindCall(calls, kRunProgram);
   const bool isMissing = version != nullptr && version->outcome.fails && version->outcome.left.has_value() &&
                          version->outcome.left->code != kNoVersionResource;
   if ((version == nullptr && run == nullptr) || isMissing) {
-    return nullptr;
+    return {};
   }
-  const bool hasVersion = version != nullptr && version->outcome.text.has_value();
-  Json program{{"version", hasVersion ? Json(*version->outcome.text) : Json(nullptr)}};
+  Object program{{"version", version != nullptr ? Value(version->outcome.text) : Value()}};
   if (run != nullptr && run->outcome.fails) {
     program["startFails"] =
         run->outcome.left.has_value() && run->outcome.left->code != 0 ? run->outcome.left->code : kFileNotFound;
@@ -162,12 +165,12 @@ Json TestProgramJson(const Calls& calls) {
   return program;
 }
 
-Json SystemMessagesJson(const Calls& calls) {
-  Json messages = Json::object();
+Object SystemMessagesJson(const Calls& calls) {
+  Object messages;
   for (const RecordedCall& call : calls) {
     const std::string text = call.outcome.text.value_or("");
     const bool isMessage = call.operation == kFormatSystemMessage && !text.empty() &&
-                           text.find('\0') == std::string::npos && !messages.contains(call.argument);
+                           text.find('\0') == std::string::npos && messages.Find(call.argument) == nullptr;
     if (isMessage) {
       messages[call.argument] = ByteText(text);
     }
@@ -175,13 +178,13 @@ Json SystemMessagesJson(const Calls& calls) {
   return messages;
 }
 
-// Null for a time that the file has no words for.
-Json TimeJson(std::int64_t now) {
+// Nothing for a time that the file has no words for.
+std::optional<std::string> TimeText(std::int64_t now) {
   const std::chrono::sys_seconds time{std::chrono::seconds(now)};
   const auto day = std::chrono::floor<std::chrono::days>(time);
   const std::chrono::year_month_day date(day);
   if (now < 0 || static_cast<int>(date.year()) > 9999) {
-    return nullptr;
+    return std::nullopt;
   }
   const std::chrono::hh_mm_ss clock(time - day);
   std::array<char, 64> text{};
@@ -212,12 +215,12 @@ std::optional<std::int64_t> UtcOffset(const Calls& calls) {
   return std::nullopt;
 }
 
-Json ClockJson(const Calls& calls) {
-  Json clock = Json::object();
+Object ClockJson(const Calls& calls) {
+  Object clock;
   const RecordedCall* const now = FindCall(calls, kNow);
-  const Json time = now != nullptr ? TimeJson(now->outcome.number) : Json(nullptr);
-  if (!time.is_null()) {
-    clock["now"] = time;
+  const auto time = now != nullptr ? TimeText(now->outcome.number) : std::nullopt;
+  if (time) {
+    clock["now"] = *time;
   }
   if (const auto offset = UtcOffset(calls)) {
     clock["utcOffsetMinutes"] = *offset;
@@ -226,15 +229,15 @@ Json ClockJson(const Calls& calls) {
 }
 
 // What nobody asked for is left out.
-void AddUnlessEmpty(const char* key, const Json& value, Json& machine) {
-  if (!value.empty()) {
-    machine[key] = value;
+void AddUnlessEmpty(const char* key, Object object, Object& machine) {
+  if (!object.IsEmpty()) {
+    machine[key] = std::move(object);
   }
 }
 
 // Only the first answers, in the words in which a machine is described.
-Json DescribedJson(const Calls& calls, const Origin& origin) {
-  Json machine;
+Object DescribedJson(const Calls& calls, const Origin& origin) {
+  Object machine;
   const std::string description = OneLine(origin.description);
   machine["description"] = description.empty() ? "A recorded machine" : description;
   machine["recordedFrom"] = OriginJson(origin, calls);
@@ -253,7 +256,7 @@ Json DescribedJson(const Calls& calls, const Origin& origin) {
   const RecordedCall* const path = FindCall(calls, kLibraryPath);
   if (path != nullptr) {
     const std::string text = path->outcome.text.value_or("");
-    machine["modulePath"] = text.empty() ? Json(nullptr) : Json(AsUtf8(text));
+    machine["modulePath"] = text.empty() ? Value() : Value(AsUtf8(text));
   }
   AddUnlessEmpty("clock", ClockJson(calls), machine);
   return machine;
@@ -269,10 +272,10 @@ bool IsReportOperation(const std::string& operation) {
 }
 
 // Answers may be such that no description holds them. Then all of them are spelled out.
-Json ReadableJson(const Calls& calls, const Origin& origin) {
-  Json machine = DescribedJson(calls, origin);
+Object ReadableJson(const Calls& calls, const Origin& origin) {
+  Object machine = DescribedJson(calls, origin);
   try {
-    ReadMachine(machine.dump(), "the recording");
+    ReadMachine(json::Write(machine), "the recording");
     return machine;
   } catch (const MachineFileError&) {
     return {{"description", machine["description"]}, {"recordedFrom", machine["recordedFrom"]}};
@@ -280,8 +283,8 @@ Json ReadableJson(const Calls& calls, const Origin& origin) {
 }
 
 // The keys of the calls that the described machine answers in another way.
-std::set<std::string> DifferentKeys(const Calls& calls, const Json& described) {
-  const auto machine = std::make_shared<MachineDescription>(ReadMachine(described.dump(), "the recording"));
+std::set<std::string> DifferentKeys(const Calls& calls, const Object& described) {
+  const auto machine = std::make_shared<MachineDescription>(ReadMachine(json::Write(described), "the recording"));
   SimulatedPlatform simulated(machine);
   std::set<std::string> different;
   bool isReportDifferent = false;
@@ -302,18 +305,18 @@ std::set<std::string> DifferentKeys(const Calls& calls, const Json& described) {
 }  // namespace
 
 std::string RecordedMachineText(const std::vector<RecordedCall>& calls, const Origin& origin) {
-  Json machine = ReadableJson(calls, origin);
+  Object machine = ReadableJson(calls, origin);
   const std::set<std::string> different = DifferentKeys(calls, machine);
-  Json answers = Json::array();
+  Array answers;
   for (const RecordedCall& call : calls) {
     if (different.count(CallKey(call)) != 0) {
-      answers.push_back(AnswerJson(call));
+      answers.emplace_back(AnswerJson(call));
     }
   }
   if (!answers.empty()) {
-    machine["answers"] = answers;
+    machine["answers"] = std::move(answers);
   }
-  return machine.dump(2) + '\n';
+  return json::Write(machine, 2) + '\n';
 }
 
 }  // namespace norv::simulator

@@ -1,7 +1,7 @@
 #include "WmiFile.h"
 
 #include <limits>
-#include <nlohmann/json.hpp>
+#include <type_traits>
 
 #include "AnswerFile.h"
 #include "Text.h"
@@ -52,25 +52,17 @@ PropertyValue ReadPropertyObject(const JsonNode& node) {
 }
 
 PropertyValue ReadProperty(const JsonNode& property) {
-  const nlohmann::json& value = property.Value();
-  switch (value.type()) {
-    case nlohmann::json::value_t::null:
-      return std::monostate{};
-    case nlohmann::json::value_t::boolean:
-      return value.get<bool>();
-    case nlohmann::json::value_t::number_integer:
-      return value.get<std::int64_t>();
-    case nlohmann::json::value_t::number_unsigned:
-      return value.get<std::uint64_t>();
-    case nlohmann::json::value_t::number_float:
-      return value.get<double>();
-    case nlohmann::json::value_t::string:
-      return property.Text();
-    case nlohmann::json::value_t::object:
-      return ReadPropertyObject(property);
-    default:
-      property.FailExpecting("a text, a number, true, false, null or {\"fail\": code}");
-  }
+  return std::visit(
+      [&property]<typename Type>(const Type& value) -> PropertyValue {
+        if constexpr (std::is_same_v<Type, json::Array>) {
+          property.FailExpecting("a text, a number, true, false, null or {\"fail\": code}");
+        } else if constexpr (std::is_same_v<Type, json::Object>) {
+          return ReadPropertyObject(property);
+        } else {
+          return value;
+        }
+      },
+      property.Value().Any());
 }
 
 Row ReadRow(const JsonNode& node) {

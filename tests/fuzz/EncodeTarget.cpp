@@ -7,14 +7,14 @@
 #include "fuzz/Check.h"
 #include "fuzz/InputFile.h"
 #include "fuzz/Rows.h"
+#include "json/Parse.h"
 
 namespace {
 
 using norv::test::Require;
-using Json = nlohmann::json;
 
 // A block of texts that no battery has may decode to less than it was made of; what was decoded once stays the same.
-void EncodeOne(const Json& battery) {
+void EncodeOne(const norv::json::Value& battery) {
   try {
     const auto block = norv::tool::BlockFromJson(battery);
     norv::test::RequireSameAgain(norv::test::RowOf(block));
@@ -32,9 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const int status = norv::tool::RunEncode(options);
   Require(status == 0 || status == 2, "the status of the command");
 
-  const Json value = Json::parse(data, data + size, nullptr, false);
-  if (value.is_object()) {
-    EncodeOne(value);
+  try {
+    const auto value = norv::json::Parse({reinterpret_cast<const char*>(data), size});
+    if (value.Is<norv::json::Object>()) {
+      EncodeOne(value);
+    }
+  } catch (const norv::json::ParseError&) {
+    return 0;
   }
   return 0;
 }

@@ -1,11 +1,11 @@
 // Decoded rows, and the blocks that they were decoded from.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "decode/Decode.h"
 #include "encode/BlockFromJson.h"
+#include "json/Value.h"
 
 namespace norv::test {
 
@@ -25,10 +25,10 @@ class KeptOutput : public tool::OutputTarget {
 };
 
 // The row of a block, as a JSON value.
-nlohmann::json RowOf(const tool::Block& block);
+json::Value RowOf(const tool::Block& block);
 
 // Requires that `row`, a good one, encodes to a block that decodes to the same row, but for where it came from.
-void RequireSameAgain(const nlohmann::json& row);
+void RequireSameAgain(const json::Value& row);
 
 // Decodes the input as the command does and checks each row. `kind` is how the input is read.
 void DecodeAndCheck(const std::uint8_t* data, std::size_t size, tool::InputKind kind);

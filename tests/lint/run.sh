@@ -45,8 +45,8 @@ SystemIncludes() {
 UpwardIncludes() {
   local files
   mapfile -t files < <(Sources src platform)
-  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]([^>"]*/)?(simulator|tools|nlohmann|CLI|gtest|gmock)/' \
-    "the library includes something of the simulator, the tool or the tests:" "${files[@]}"
+  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]([^>"]*/)?(json|simulator|tools|nlohmann|CLI|gtest|gmock)/' \
+    "the library includes something of the simulator, the tool, the tests or their JSON:" "${files[@]}"
 }
 
 ToolIncludes() {
@@ -94,7 +94,7 @@ Check "the C header includes three standard headers only" CIncludes || true
 Check "no condition on the operating system outside its two places" SystemConditions || true
 Check "shell scripts: syntax" ShellSyntax || true
 Check "shell scripts: shellcheck" ShellCheck || true
-Check "clang-tidy" Tidy "src platform simulator tools" || true
+Check "clang-tidy" Tidy "src platform json simulator tools" || true
 # GoogleTest's macros take clang-tidy several times as long as they are worth; the compiler's own view is enough for tests.
 # The collection's destructor is not virtual by contract, and tests delete collections, never anything derived from one.
 Check "tests compile with clang without a warning" Tidy tests '--checks=-*,clang-diagnostic-*,misc-static-assert' \

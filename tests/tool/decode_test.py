@@ -541,7 +541,7 @@ class EncodeTest(unittest.TestCase):
 
     def test_inputs_that_are_nothing_to_encode(self):
         machine = (MACHINES / "one-battery.json").read_bytes()
-        for contents, part in ((b"{", "parse error"), (b'{"identity": 1e999}', "number overflow"),
+        for contents, part in ((b"{", "line 1, column 2: expected JSON"), (b'{"identity": 1e999}', "number overflow"),
                                (b"[]", "expected"), (b"7", "expected"), (b"{}", "expected"),
                                (machine, "--machine"), (decode(b"7").stdout, "rowError"),
                                (b'{"batteries": 1}', "batteries"), (b'{"batteries": [null]}', "no battery"),

@@ -1,22 +1,24 @@
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <type_traits>
 
 #include "EscapeText.h"
 #include "Verdict.h"
 #include "WriteReport.h"
+#include "json/Write.h"
 
 namespace norv::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using json::Array;
+using json::Object;
+using json::Value;
 
-Json FailureJson(const std::optional<Failure>& failure) {
+Value FailureJson(const std::optional<Failure>& failure) {
   if (!failure) {
     return nullptr;
   }
-  return {
+  return Object{
       {"category", failure->category},
       {"code", failure->code},
       {"message", BytesToUtf8(failure->message)},
@@ -25,7 +27,7 @@ Json FailureJson(const std::optional<Failure>& failure) {
   };
 }
 
-Json IdentityJson(const Identity& identity) {
+Object IdentityJson(const Identity& identity) {
   return {
       {"manufacturer", BytesToUtf8(identity.manufacturer)},
       {"deviceName", BytesToUtf8(identity.deviceName)},
@@ -39,7 +41,7 @@ double ThreeDecimals(float percentage) {
   return std::round(static_cast<double>(percentage) * 1000.0) / 1000.0;
 }
 
-Json CapacityJson(const Capacity& capacity) {
+Object CapacityJson(const Capacity& capacity) {
   return {
       {"designCapacity", capacity.designCapacity},
       {"fullChargeCapacity", capacity.fullChargeCapacity},
@@ -54,42 +56,41 @@ Json CapacityJson(const Capacity& capacity) {
       {"temperature", capacity.temperature},
       {"chargeRate", capacity.chargeRate},
       {"dischargeRate", capacity.dischargeRate},
-      {"driverStateOfCharge", capacity.driverStateOfCharge ? Json(*capacity.driverStateOfCharge) : Json(nullptr)},
+      {"driverStateOfCharge", capacity.driverStateOfCharge},
       {"driverStateOfChargeDiffers", DriverDisagrees(capacity)},
   };
 }
 
-Json CellsJson(const Cells& cells) {
-  return {{"voltages", cells.voltages}, {"spread", cells.spread ? Json(*cells.spread) : Json(nullptr)}};
+Object CellsJson(const Cells& cells) {
+  return {{"voltages", json::ToArray(cells.voltages)}, {"spread", cells.spread}};
 }
 
-template <typename Value>
-Json NamedJson(const std::vector<Named<Value>>& values) {
-  Json object = Json::object();
+template <typename Type>
+Object NamedJson(const std::vector<Named<Type>>& values) {
+  Object object;
   for (const auto& value : values) {
-    object[value.key] = static_cast<Value>(value.value);
+    object[value.key] = value.value;
   }
   return object;
 }
 
-Json StatusJson(const Status& status) {
+Object StatusJson(const Status& status) {
   return {{"word", status.word}, {"errorCode", status.errorCode}, {"flags", NamedJson(status.flags)}};
 }
 
-Json DatesJson(const Dates& dates) {
+Object DatesJson(const Dates& dates) {
   const Age& age = dates.age;
   return {
       {"manufacturingDate", dates.manufacturingDate},
       {"warrantyType", dates.warrantyType},
       {"warrantyDate", dates.warrantyDate},
       {"age",
-       {{"days", age.error ? Json(nullptr) : Json(age.value)},
-        {"value", age.value},
-        {"error", FailureJson(age.error)}}},
+       Object{
+           {"days", age.error ? Value() : Value(age.value)}, {"value", age.value}, {"error", FailureJson(age.error)}}},
   };
 }
 
-Json AttributesJson(const Attributes& attributes) {
+Object AttributesJson(const Attributes& attributes) {
   return {
       {"packSupplier", attributes.packSupplier},
       {"cellSupplier", attributes.cellSupplier},
@@ -103,15 +104,15 @@ Json AttributesJson(const Attributes& attributes) {
   };
 }
 
-Json VerdictJson(const TestVerdict& verdict) {
+Object VerdictJson(const TestVerdict& verdict) {
   return {{"result", verdict.result}, {"label", verdict.label}, {"version", BytesToUtf8(verdict.version)}};
 }
 
-Json BatteryJson(const std::optional<BatteryReport>& battery) {
+Value BatteryJson(const std::optional<BatteryReport>& battery) {
   if (!battery) {
     return nullptr;
   }
-  return {
+  return Object{
       {"slot", battery->slot},
       {"identity", IdentityJson(battery->identity)},
       {"capacity", CapacityJson(battery->capacity)},
@@ -119,25 +120,24 @@ Json BatteryJson(const std::optional<BatteryReport>& battery) {
       {"status", StatusJson(battery->status)},
       {"dates", DatesJson(battery->dates)},
       {"attributes", AttributesJson(battery->attributes)},
-      {"settings",
-       {{"adaptiveBatteryOptimizer", battery->settings.adaptiveBatteryOptimizer},
-        {"batteryCare", battery->settings.batteryCare}}},
+      {"settings", Object{{"adaptiveBatteryOptimizer", battery->settings.adaptiveBatteryOptimizer},
+                          {"batteryCare", battery->settings.batteryCare}}},
       {"cellSwellProtection",
-       battery->cellSwellProtection.empty() ? Json(nullptr) : NamedJson(battery->cellSwellProtection)},
+       battery->cellSwellProtection.empty() ? Value() : Value(NamedJson(battery->cellSwellProtection))},
       {"batteryTest", VerdictJson(battery->testVerdict)},
-      {"validity", {{"valid", battery->validity.valid}, {"error", FailureJson(battery->validity.error)}}},
+      {"validity", Object{{"valid", battery->validity.valid}, {"error", FailureJson(battery->validity.error)}}},
   };
 }
 
-Json TestJson(const std::optional<TestReport>& test) {
+Value TestJson(const std::optional<TestReport>& test) {
   if (!test) {
     return nullptr;
   }
-  Json object = VerdictJson(test->verdict);
+  Object object = VerdictJson(test->verdict);
   const auto verdict = ExplainResult(test->verdict.result);
-  object["class"] = verdict ? Json(verdict->verdictClass) : Json(nullptr);
-  object["meaning"] = verdict ? Json(verdict->meaning) : Json(nullptr);
-  object["qualifier"] = verdict ? Json(verdict->qualifier) : Json(nullptr);
+  object["class"] = verdict ? Value(verdict->verdictClass) : Value();
+  object["meaning"] = verdict ? Value(verdict->meaning) : Value();
+  object["qualifier"] = verdict ? Value(verdict->qualifier) : Value();
   object["error"] = FailureJson(test->error);
   return object;
 }
@@ -146,19 +146,17 @@ Json TestJson(const std::optional<TestReport>& test) {
 
 std::string JsonReport(const Report& report) {
   const auto& lastError = report.test && report.test->collectionError ? report.test->collectionError : report.readError;
-  const Json object = {
-      {"source",
-       {{"kind", report.source.kind},
-        {"name", report.source.name},
-        {"description", report.source.description},
-        {"channel", report.source.channel}}},
-      {"batteries", Json::array({BatteryJson(report.batteries[0]), BatteryJson(report.batteries[1])})},
+  const Object object{
+      {"source", Object{{"kind", report.source.kind},
+                        {"name", report.source.name},
+                        {"description", report.source.description},
+                        {"channel", report.source.channel}}},
+      {"batteries", Array{BatteryJson(report.batteries[0]), BatteryJson(report.batteries[1])}},
       {"batteryTest", TestJson(report.test)},
       {"readError", FailureJson(report.readError)},
       {"error", FailureJson(lastError)},
   };
-  // File names and the texts that WMI answers are UTF-8 by rule, though nobody enforces it.
-  return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return json::Write(object, 2) + "\n";
 }
 
 }  // namespace norv::tool

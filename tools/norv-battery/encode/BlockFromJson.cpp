@@ -2,18 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "Day.h"
+#include "json/Describe.h"
 
 namespace norv::tool {
 
 namespace {
 
-using Json = nlohmann::json;
+using json::Value;
 
 // A 16-bit little-endian word of a block.
 struct WordField {
@@ -53,22 +53,17 @@ constexpr std::array<TextField, 4> kTexts{{
 
 constexpr std::size_t kManufactureDate = 0x5C;
 
-[[noreturn]] void Fail(const std::string& path, const std::string& expected, const Json& found) {
-  constexpr std::size_t kShown = 40;
-  std::string text = found.dump(-1, ' ', true, Json::error_handler_t::replace);
-  if (text.size() > kShown) {
-    text = text.substr(0, kShown) + " ...";
-  }
-  throw BlockValueError(path + ": expected " + expected + ", found " + text);
+[[noreturn]] void Fail(const std::string& path, const std::string& expected, const Value& found) {
+  throw BlockValueError(path + ": expected " + expected + ", found " + json::Describe(found));
 }
 
-const Json& Member(const Json& battery, const std::string& group, const std::string& key) {
-  const auto outer = battery.find(group);
-  if (outer == battery.end() || !outer->is_object()) {
+const Value& Member(const Value& battery, const std::string& group, const std::string& key) {
+  const auto* const outer = battery[group].As<json::Object>();
+  if (outer == nullptr) {
     throw BlockValueError(group + ": expected an object of this name");
   }
-  const auto inner = outer->find(key);
-  if (inner == outer->end()) {
+  const Value* const inner = outer->Find(key);
+  if (inner == nullptr) {
     throw BlockValueError(group + "." + key + ": is missing");
   }
   return *inner;
@@ -79,20 +74,22 @@ void PutWord(Block& block, std::size_t offset, std::uint64_t word) {
   block[offset + 1] = static_cast<unsigned char>(word >> 8U);
 }
 
-void PutNumber(Block& block, std::size_t offset, const Json& number, const std::string& path) {
+void PutNumber(Block& block, std::size_t offset, const Value& number, const std::string& path) {
   constexpr std::uint64_t kHighest = 0xFFFF;
-  if (!number.is_number_unsigned() || number.get<std::uint64_t>() > kHighest) {
+  const auto* const word = number.As<std::uint64_t>();
+  if (word == nullptr || *word > kHighest) {
     Fail(path, "a whole number of 0 to 65535", number);
   }
-  PutWord(block, offset, number.get<std::uint64_t>());
+  PutWord(block, offset, *word);
 }
 
-void PutCells(Block& block, const Json& voltages) {
-  if (!voltages.is_array() || voltages.size() != kCellCount) {
+void PutCells(Block& block, const Value& voltages) {
+  const auto* const cells = voltages.As<json::Array>();
+  if (cells == nullptr || cells->size() != kCellCount) {
     Fail("cells.voltages", "an array of four numbers", voltages);
   }
   for (std::size_t cell = 0; cell < kCellCount; ++cell) {
-    PutNumber(block, kCellVoltages + 2 * cell, voltages[cell], "cells.voltages[" + std::to_string(cell) + "]");
+    PutNumber(block, kCellVoltages + 2 * cell, (*cells)[cell], json::ItemPath("cells.voltages", cell));
   }
 }
 
@@ -115,8 +112,9 @@ std::optional<std::string> BytesOf(const std::string& text) {
   return bytes;
 }
 
-void PutText(Block& block, const TextField& field, const Json& text) {
-  const auto bytes = text.is_string() ? BytesOf(text.get<std::string>()) : std::nullopt;
+void PutText(Block& block, const TextField& field, const Value& text) {
+  const auto* const characters = text.As<std::string>();
+  const auto bytes = characters != nullptr ? BytesOf(*characters) : std::nullopt;
   if (!bytes || bytes->size() > field.width) {
     Fail(std::string("identity.") + field.key,
          "a text of at most " + std::to_string(field.width) + " characters, U+0001 to U+00FF", text);
@@ -128,11 +126,11 @@ void PutText(Block& block, const TextField& field, const Json& text) {
 }
 
 // An empty date stands for every word that is no date; zero is one of them.
-void PutDate(Block& block, const Json& date) {
+void PutDate(Block& block, const Value& date) {
   constexpr int kFirstYear = 1980;
   constexpr int kLastYear = kFirstYear + 127;
   constexpr std::string_view kMidnight = "T00:00:00+00:00";
-  const std::string text = date.is_string() ? date.get<std::string>() : "no text";
+  const std::string text = date.Is<std::string>() ? *date.As<std::string>() : "no text";
   if (text.empty()) {
     return;
   }
@@ -149,7 +147,7 @@ void PutDate(Block& block, const Json& date) {
 
 }  // namespace
 
-Block BlockFromJson(const Json& battery) {
+Block BlockFromJson(const Value& battery) {
   Block block{};
   for (const WordField& field : kWords) {
     PutNumber(block, field.offset, Member(battery, field.group, field.key), std::string(field.group) + "." + field.key);

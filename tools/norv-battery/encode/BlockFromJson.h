@@ -1,10 +1,10 @@
 #pragma once
 
 #include <array>
-#include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
 
 #include "decode/BlockReader.h"
+#include "json/Value.h"
 
 namespace norv::tool {
 
@@ -19,6 +19,6 @@ class BlockValueError : public std::runtime_error {
 // The block that `battery` was decoded from: an object as reports and decoded rows hold it. Only what a block holds
 // itself is read; everything that is worked out from it (percentages, flags, suppliers, validity ...) is passed over.
 // Bytes that are not decoded become zeros.
-Block BlockFromJson(const nlohmann::json& battery);
+Block BlockFromJson(const json::Value& battery);
 
 }  // namespace norv::tool

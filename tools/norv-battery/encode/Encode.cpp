@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iostream>
 #include <istream>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -19,13 +18,15 @@
 #include "Report.h"
 #include "StandardStreams.h"
 #include "encode/BlockFromJson.h"
+#include "json/Describe.h"
+#include "json/Parse.h"
 #include "norv/platform/Platform.h"
 
 namespace norv::tool {
 
 namespace {
 
-using Json = nlohmann::json;
+using json::Value;
 
 // An input that cannot be encoded. what() says which, where and why.
 class InputError : public std::runtime_error {
@@ -106,43 +107,43 @@ const char* DefectOf(std::string_view id) {
 }
 
 // The identifier of a decoded row, which is read again as it is; nothing where it has none.
-std::optional<std::string> ReadId(const Json& row) {
-  const auto found = row.find("id");
-  if (found == row.end() || found->is_null()) {
+std::optional<std::string> ReadId(const Value& row) {
+  const Value& id = row["id"];
+  if (id.IsNull()) {
     return std::nullopt;
   }
-  if (!found->is_string()) {
+  const auto* const text = id.As<std::string>();
+  if (text == nullptr) {
     throw BlockValueError("id: expected null or a text");
   }
-  std::string id = found->get<std::string>();
-  if (const char* const defect = DefectOf(id)) {
-    throw BlockValueError("id: expected a text that a line can begin with, but " + Quote(id) + " " + defect);
+  if (const char* const defect = DefectOf(*text)) {
+    throw BlockValueError("id: expected a text that a line can begin with, but " + Quote(*text) + " " + defect);
   }
-  return id;
+  return *text;
 }
 
-void EncodeRow(const Json& row, BlockWriter& writer) {
-  const auto problem = row.find("rowError");
-  if (problem != row.end() && !problem->is_null()) {
+void EncodeRow(const Value& row, BlockWriter& writer) {
+  if (!row["rowError"].IsNull()) {
     throw BlockValueError("rowError: the row stands for an input that was no block");
   }
   writer.Write(ReadId(row), BlockFromJson(row));
 }
 
-void EncodeReport(const Json& report, const std::optional<int>& slot, BlockWriter& writer) {
-  const Json& batteries = report.at("batteries");
-  if (!batteries.is_array()) {
+void EncodeReport(const Value& report, const std::optional<int>& slot, BlockWriter& writer) {
+  const auto* const batteries = report["batteries"].As<json::Array>();
+  if (batteries == nullptr) {
     throw BlockValueError("batteries: expected an array");
   }
   bool isAny = false;
-  for (std::size_t index = 0; index < batteries.size(); ++index) {
-    if (batteries[index].is_null() || (slot && static_cast<std::size_t>(*slot) != index)) {
+  for (std::size_t index = 0; index < batteries->size(); ++index) {
+    const Value& battery = (*batteries)[index];
+    if (battery.IsNull() || (slot && static_cast<std::size_t>(*slot) != index)) {
       continue;
     }
     try {
-      writer.Write(std::nullopt, BlockFromJson(batteries[index]));
+      writer.Write(std::nullopt, BlockFromJson(battery));
     } catch (const BlockValueError& failure) {
-      throw BlockValueError("batteries[" + std::to_string(index) + "]." + failure.what());
+      throw BlockValueError(json::ItemPath("batteries", index) + "." + failure.what());
     }
     isAny = true;
   }
@@ -152,12 +153,15 @@ void EncodeReport(const Json& report, const std::optional<int>& slot, BlockWrite
   }
 }
 
-void EncodeValue(const Json& value, const std::optional<int>& slot, BlockWriter& writer) {
-  if (value.contains("batteries")) {
+void EncodeValue(const Value& value, const std::optional<int>& slot, BlockWriter& writer) {
+  const auto has = [object = value.As<json::Object>()](const char* key) {
+    return object != nullptr && object->Find(key) != nullptr;
+  };
+  if (has("batteries")) {
     EncodeReport(value, slot, writer);
-  } else if (value.contains("slots")) {
+  } else if (has("slots")) {
     throw BlockValueError("this is a machine file, which --machine takes");
-  } else if (value.contains("identity") || value.contains("rowError")) {
+  } else if (has("identity") || has("rowError")) {
     EncodeRow(value, writer);
   } else {
     throw BlockValueError("expected a JSON report or a decoded row: an object with \"batteries\" or \"identity\"");
@@ -166,19 +170,18 @@ void EncodeValue(const Json& value, const std::optional<int>& slot, BlockWriter&
 
 // One JSON value after another, until the end of `input`.
 void EncodeStream(const std::string& name, std::istream& input, const std::optional<int>& slot, BlockWriter& writer) {
-  for (std::uint64_t number = 1; input >> std::ws && !input.eof(); ++number) {
-    const auto where = [&name, number] { return Quote(name) + ", JSON value " + std::to_string(number) + ": "; };
-    Json value;
-    try {
-      input >> value;
-    } catch (const Json::exception& failure) {  // no JSON, or a number that no double holds
-      throw InputError(where() + EscapeText(failure.what()));
+  std::uint64_t number = 1;
+  const auto refusal = [&name, &number](const std::string& message) {
+    return InputError(Quote(name) + ", JSON value " + std::to_string(number) + ": " + message);
+  };
+  try {
+    for (; const auto value = json::ParseNext(input); ++number) {
+      EncodeValue(*value, slot, writer);
     }
-    try {
-      EncodeValue(value, slot, writer);
-    } catch (const BlockValueError& failure) {
-      throw InputError(where() + failure.what());
-    }
+  } catch (const json::ParseError& failure) {
+    throw refusal(failure.what());
+  } catch (const BlockValueError& failure) {
+    throw refusal(failure.what());
   }
 }
 

@@ -5,12 +5,16 @@
 #include <cstdio>
 
 #include "WriteReport.h"
+#include "json/Describe.h"
+#include "json/Parse.h"
 
 namespace norv::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using json::Array;
+using json::Object;
+using json::Value;
 
 std::string TimeText(std::time_t now) {
   const std::chrono::sys_seconds time{std::chrono::seconds(now)};
@@ -26,21 +30,18 @@ std::string TimeText(std::time_t now) {
 }
 
 // What is of one structure is compared part by part; anything else is one change.
-void Compare(const std::string& path, const Json& before, const Json& after, std::vector<Change>& changes) {
+void Compare(const std::string& path, const Value& before, const Value& after, std::vector<Change>& changes) {
   if (before == after) {
     return;
   }
-  if (before.is_object() && after.is_object()) {
-    for (const auto& [key, value] : after.items()) {
-      std::string inner = path;
-      inner.append(path.empty() ? "" : ".").append(key);
-      Compare(inner, before.value(key, Json()), value, changes);
+  const auto* const items = after.As<Array>();
+  if (before.Is<Object>() && after.Is<Object>()) {
+    for (const auto& [key, value] : *after.As<Object>()) {
+      Compare(json::MemberPath(path, key), before[key], value, changes);
     }
-  } else if (before.is_array() && after.is_array() && before.size() == after.size()) {
-    for (std::size_t i = 0; i < after.size(); ++i) {
-      std::string inner = path;
-      inner.append("[").append(std::to_string(i)).append("]");
-      Compare(inner, before[i], after[i], changes);
+  } else if (before.Is<Array>() && items != nullptr && before.As<Array>()->size() == items->size()) {
+    for (std::size_t i = 0; i < items->size(); ++i) {
+      Compare(json::ItemPath(path, i), before[i], (*items)[i], changes);
     }
   } else {
     changes.push_back({path, before, after});
@@ -50,13 +51,8 @@ void Compare(const std::string& path, const Json& before, const Json& after, std
 }  // namespace
 
 Reading MakeReading(unsigned int number, std::time_t now, const Report& report) {
-  Json whole = Json::parse(JsonReport(report));
-  Reading reading;
-  reading.number = number;
-  reading.time = TimeText(now);
-  reading.body["batteries"] = std::move(whole["batteries"]);
-  reading.body["readError"] = std::move(whole["readError"]);
-  return reading;
+  const Value whole = json::Parse(JsonReport(report));
+  return {number, TimeText(now), {{"batteries", whole["batteries"]}, {"readError", whole["readError"]}}};
 }
 
 std::vector<Change> FindChanges(const Reading& before, const Reading& after) {

@@ -2,27 +2,27 @@
 #pragma once
 
 #include <ctime>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "Report.h"
+#include "json/Value.h"
 
 namespace norv::tool {
 
 struct Reading {
   unsigned int number = 1;
-  std::string time;             // "2024-06-01T12:00:00Z", by the machine's clock
-  nlohmann::ordered_json body;  // "batteries" and "readError" as the JSON report has them
+  std::string time;   // "2024-06-01T12:00:00Z", by the machine's clock
+  json::Object body;  // "batteries" and "readError" as the JSON report has them
 };
 
 Reading MakeReading(unsigned int number, std::time_t now, const Report& report);
 
 struct Change {
   std::string path;  // "batteries[0].capacity.voltage"; "batteries[0]" for a battery that was removed or put in
-  nlohmann::ordered_json before;
-  nlohmann::ordered_json after;
+  json::Value before;
+  json::Value after;
 };
 
 // In the order of the JSON report.

@@ -4,12 +4,15 @@
 #include <array>
 
 #include "EscapeText.h"
+#include "json/Write.h"
 
 namespace norv::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using json::Array;
+using json::Object;
+using json::Value;
 
 constexpr std::size_t kNameWidth = 27;
 constexpr std::size_t kValueWidth = 25;
@@ -43,32 +46,34 @@ std::string Joined(const std::string& list, const std::string& item) {
 }
 
 // A value of the JSON report in one line of ASCII.
-std::string ValueText(const Json& value) {
-  if (value.is_string()) {
-    return value.get_ref<const std::string&>().empty() ? "(empty)" : EscapeText(value.get_ref<const std::string&>());
+std::string ValueText(const Value& value) {
+  if (const auto* const content = value.As<std::string>()) {
+    return content->empty() ? "(empty)" : EscapeText(*content);
   }
   std::string text;
-  if (value.is_array()) {
-    for (const Json& item : value) {
+  if (const auto* const items = value.As<Array>()) {
+    for (const Value& item : *items) {
       text = Joined(text, ValueText(item));
     }
     return text;
   }
   // The names of those that are set, of flags; of an error, its words.
-  if (value.is_object()) {
-    for (const auto& [key, item] : value.items()) {
-      text = item.is_boolean() && item.get<bool>() ? Joined(text, key) : text;
+  if (const auto* const object = value.As<Object>()) {
+    for (const auto& [key, item] : *object) {
+      text = item == true ? Joined(text, key) : text;
     }
-    return value.contains("message") ? EscapeText(WithoutLineBreak(value["message"].get<std::string>())) : text;
+    const auto* const message = value["message"].As<std::string>();
+    return message != nullptr ? EscapeText(WithoutLineBreak(*message)) : text;
   }
-  return value.is_null() ? "none" : value.dump();
+  return value.IsNull() ? "none" : json::Write(value);
 }
 
 // The current is a signed word: what it is for a battery that discharges.
-std::string RowText(const TableRow& row, const Json& value) {
-  constexpr int kWordSize = 65536;
-  if (std::string_view(row.key) == "current" && value.get<int>() >= kWordSize / 2) {
-    return std::to_string(value.get<int>() - kWordSize);
+std::string RowText(const TableRow& row, const Value& value) {
+  constexpr std::uint64_t kWordSize = 65536;
+  const auto* const word = value.As<std::uint64_t>();
+  if (std::string_view(row.key) == "current" && word != nullptr && *word >= kWordSize / 2) {
+    return "-" + std::to_string(kWordSize - *word);
   }
   return ValueText(value) + row.unit;
 }
@@ -106,16 +111,20 @@ void AddScreenLine(const std::string& line, std::string& screen) {
   screen += WithoutTrailingBlanks(line) + "\x1b[K\n";
 }
 
+const Array& BatteriesOf(const Reading& reading) {
+  return *reading.body.Find("batteries")->As<Array>();
+}
+
 std::string BatteryPath(std::size_t slot) {
   return "batteries[" + std::to_string(slot) + "]";
 }
 
 void AddRows(const Reading& reading, const std::vector<Change>& changes, std::string& screen) {
-  const Json& batteries = reading.body["batteries"];
+  const Array& batteries = BatteriesOf(reading);
   for (const TableRow& row : kTableRows) {
     std::string line = Padded(row.name, kNameWidth);
     for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
-      const bool isThere = !batteries[slot].is_null();
+      const bool isThere = !batteries[slot].IsNull();
       const std::string path = BatteryPath(slot) + "." + row.group + "." + row.key;
       line +=
           isThere ? Cell(RowText(row, batteries[slot][row.group][row.key]), IsChanged(path, changes)) : Cell("", false);
@@ -126,15 +135,13 @@ void AddRows(const Reading& reading, const std::vector<Change>& changes, std::st
 
 // The counters of the cell swell protection, where they were read.
 void AddCellSwellRows(const Reading& reading, const std::vector<Change>& changes, std::string& screen) {
-  const Json& batteries = reading.body["batteries"];
-  const auto hasCounters = [](const Json& battery) {
-    return !battery.is_null() && battery["cellSwellProtection"].is_object();
-  };
+  const Array& batteries = BatteriesOf(reading);
+  const auto hasCounters = [](const Value& battery) { return battery["cellSwellProtection"].Is<Object>(); };
   const auto first = std::find_if(batteries.begin(), batteries.end(), hasCounters);
   if (first == batteries.end()) {
     return;
   }
-  for (const auto& [key, ignored] : (*first)["cellSwellProtection"].items()) {
+  for (const auto& [key, ignored] : *(*first)["cellSwellProtection"].As<Object>()) {
     std::string line = Padded(key, kNameWidth);
     for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
       const std::string path = BatteryPath(slot) + ".cellSwellProtection." + key;
@@ -146,13 +153,13 @@ void AddCellSwellRows(const Reading& reading, const std::vector<Change>& changes
   }
 }
 
-std::string BatteryName(const Json& battery) {
+std::string BatteryName(const Value& battery) {
   return ValueText(battery["identity"]["deviceName"]) + ", serial number " +
          ValueText(battery["identity"]["serialNumber"]);
 }
 
-std::string PresenceText(const Json& battery, bool isChanged) {
-  if (battery.is_null()) {
+std::string PresenceText(const Value& battery, bool isChanged) {
+  if (battery.IsNull()) {
     return isChanged ? "removed" : "no battery";
   }
   return isChanged ? "put in" : "present";
@@ -169,7 +176,7 @@ std::string ChangeLine(const Change& change) {
     const std::string path = BatteryPath(slot);
     const std::string name = "Battery " + std::to_string(slot + 1) + "  ";
     if (change.path == path) {
-      return name + PresenceText(change.after, true) + (change.after.is_null() ? "" : ": " + BatteryName(change.after));
+      return name + PresenceText(change.after, true) + (change.after.IsNull() ? "" : ": " + BatteryName(change.after));
     }
     if (change.path.starts_with(path + ".")) {
       return name + change.path.substr(path.size() + 1) + "  " + ValueText(change.before) + " -> " +
@@ -182,23 +189,25 @@ std::string ChangeLine(const Change& change) {
 }  // namespace
 
 std::string JsonLine(const Reading& reading, const std::vector<Change>& changes) {
-  Json line{{"reading", reading.number}, {"time", reading.time}};
-  line.update(reading.body);
-  Json paths = Json::array();
-  for (const Change& change : changes) {
-    paths.push_back(change.path);
+  Object line{{"reading", reading.number}, {"time", reading.time}};
+  for (const auto& [key, value] : reading.body) {
+    line[key] = value;
   }
-  line["changed"] = paths;
-  return line.dump() + '\n';
+  Array paths;
+  for (const Change& change : changes) {
+    paths.emplace_back(change.path);
+  }
+  line["changed"] = std::move(paths);
+  return json::Write(line) + '\n';
 }
 
 std::string TextBlock(const Reading& reading, const std::vector<Change>& changes) {
   std::string text = "Reading " + std::to_string(reading.number) + ", " + reading.time + '\n';
   if (reading.number == 1) {
-    const Json& batteries = reading.body["batteries"];
+    const Array& batteries = BatteriesOf(reading);
     for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
       text += "  Battery " + std::to_string(slot + 1) + "  " + PresenceText(batteries[slot], false) +
-              (batteries[slot].is_null() ? "" : ": " + BatteryName(batteries[slot])) + '\n';
+              (batteries[slot].IsNull() ? "" : ": " + BatteryName(batteries[slot])) + '\n';
     }
     return text;
   }
@@ -215,7 +224,7 @@ std::string Screen(const std::string& title, const Reading& reading, const std::
   AddScreenLine("", screen);
   std::string heading = Padded("", kNameWidth);
   std::string presence = Padded("", kNameWidth);
-  const Json& batteries = reading.body["batteries"];
+  const Array& batteries = BatteriesOf(reading);
   for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
     const bool isChanged = IsPresenceChanged(slot, changes);
     heading += Cell("Battery " + std::to_string(slot + 1), false);
@@ -225,9 +234,10 @@ std::string Screen(const std::string& title, const Reading& reading, const std::
   AddScreenLine(presence, screen);
   AddRows(reading, changes, screen);
   AddCellSwellRows(reading, changes, screen);
-  if (!reading.body["readError"].is_null()) {
+  const Value& readError = *reading.body.Find("readError");
+  if (!readError.IsNull()) {
     AddScreenLine("", screen);
-    AddScreenLine("Last error: " + ValueText(reading.body["readError"]), screen);
+    AddScreenLine("Last error: " + ValueText(readError), screen);
   }
   return screen + "\x1b[J";
 }
