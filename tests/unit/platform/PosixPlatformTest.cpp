@@ -22,6 +22,7 @@
 #include "norv/platform/Platform.h"
 #include "norv/shared/norvbios/PrivateBiosWmi.h"
 #include "norv/shared/wmi/WMIClient.h"
+#include "norv/simulator/MachineRecorder.h"
 
 namespace norv::test {
 namespace {
@@ -226,6 +227,16 @@ TEST_F(PosixPlatform, ReadsProgramDataFromTheEnvironment) {
   EXPECT_EQ(Platform::Current().ProgramDataFolder(), std::nullopt);
   ::setenv("ProgramData", "/data", 1);
   EXPECT_EQ(Platform::Current().ProgramDataFolder(), "/data");
+  ::unsetenv("ProgramData");
+}
+
+TEST_F(PosixPlatform, ARecorderReadsNoPipeInTheReportsPlace) {
+  const fs::path report = folder_ / "Quellbrook/Tavenhall/Resources/Temp/Battery.xml";
+  fs::create_directories(report.parent_path());
+  ASSERT_EQ(::mkfifo(report.c_str(), 0600), 0);
+  ::setenv("ProgramData", folder_.c_str(), 1);
+  simulator::MachineRecorder recorder(Platform::Current());
+  EXPECT_EQ(recorder.ProgramDataFolder(), folder_);
   ::unsetenv("ProgramData");
 }
 
