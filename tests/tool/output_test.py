@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """What the tool writes to: files made with --output, and standard streams that are missing or that nobody reads.
 
-  output_test.py --tool PROGRAM
+  output_test.py --tool PROGRAM [--sync-log LIBRARY]
+
+LIBRARY, when it is preloaded, tells on standard error what is synced.
 """
 
 import argparse
@@ -18,6 +20,7 @@ import time
 import unittest
 
 TOOL = ""
+SYNC_LOG = None
 ENDINGS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT)
 SLOW = {"description": "A machine whose battery test takes long", "slots": [None, None],
         "testProgram": {"version": "1.2.3.4", "status": 0, "runsMilliseconds": 60000}}
@@ -103,8 +106,23 @@ class TargetTest(OutputCase):
     def test_a_link_in_a_circle_is_told(self):
         self.path("first").symlink_to("second")
         self.path("second").symlink_to("first")
-        self.assert_refused(self.write(self.path("first")), "--output", "first", "a link that leads in a circle")
+        self.assert_refused(self.write(self.path("first")), "--output", "first", "Too many levels of symbolic links")
         self.assertEqual(self.names(), ["first", "second"])
+
+    @unittest.skipIf(os.geteuid() != 0, "nobody else can be two users")
+    def test_a_link_of_somebody_else_in_a_folder_for_all_is_not_followed(self):
+        if pathlib.Path("/proc/sys/fs/protected_symlinks").read_text(encoding="ascii") == "0\n":
+            self.skipTest("this system follows such links")
+        os.chmod(self.folder.name, 0o1777)
+        self.target.write_text("before", encoding="ascii")
+        os.chown(self.target, 2345, 2345)
+        self.path("link").symlink_to("target")
+        self.path("dangling").symlink_to("missing")
+        for name in ("link", "dangling"):
+            os.lchown(self.path(name), 1234, 1234)
+            done = self.write(self.path(name), user=2345, group=2345, extra_groups=[])
+            self.assert_refused(done, name, "Permission denied")
+        self.assertEqual((self.target.read_text(encoding="ascii"), len(self.names())), ("before", 3))
 
     def test_a_link_to_a_folder_that_is_not_there(self):
         self.path("link").symlink_to("missing/target")
@@ -120,6 +138,14 @@ class TargetTest(OutputCase):
 
     def test_a_name_without_a_folder(self):
         self.assert_written(self.write("target", cwd=self.folder.name))
+
+    def test_it_is_on_the_disk_before_it_has_its_name_and_so_is_the_name(self):
+        if not SYNC_LOG:
+            self.skipTest("a sanitizer cannot be together with it")
+        for target, folder in ((self.target, None), ("target", self.folder.name)):
+            done = self.write(target, env=dict(os.environ, LD_PRELOAD=SYNC_LOG), cwd=folder)
+            self.assertEqual((done.returncode, done.stderr.decode().splitlines()),
+                             (0, ["fsync file", "rename", "fsync folder"]))
 
     def test_a_folder_that_nobody_may_write_to(self):
         if os.geteuid() == 0:
@@ -222,11 +248,12 @@ class MissingStreamTest(OutputCase):
 
 
 def main():
-    global TOOL
+    global TOOL, SYNC_LOG
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tool", required=True)
+    parser.add_argument("--sync-log", type=os.path.abspath)
     arguments, others = parser.parse_known_args()
-    TOOL = os.path.abspath(arguments.tool)
+    TOOL, SYNC_LOG = os.path.abspath(arguments.tool), arguments.sync_log
     unittest.main(argv=[sys.argv[0], *others])
 
 

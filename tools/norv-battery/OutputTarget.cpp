@@ -63,46 +63,43 @@ class OutputFile : public OutputTarget {
   std::unique_ptr<PartialFile> file_;
 };
 
-// What `path` leads to, which need not exist: a link stays one, and what it names is written. Nothing where links lead
-// to each other.
-std::optional<fs::path> FollowLinks(fs::path path) {
-  constexpr int kMostLinks = 40;  // where the system itself gives up
+// Why nothing can be put in the place of what `path` leads to; empty where something can. The system is asked for the
+// whole way: it follows no circle of links, and no link that somebody else laid into a folder for all.
+std::string Obstacle(const fs::path& path) {
+  if (path.empty()) {
+    return "it has no name";
+  }
+  std::error_code failure;
+  const fs::file_status status = fs::status(path, failure);
+  if (!fs::status_known(status)) {
+    return failure.message();
+  }
+  if (fs::is_directory(status)) {
+    return "it is a directory";
+  }
+  return !fs::exists(status) || fs::is_regular_file(status) ? "" : "it is no regular file";
+}
+
+// What `path` leads to, which need not exist: a link stays one, and what it names is written.
+fs::path FollowLinks(fs::path path) {
+  constexpr int kMostLinks = 40;  // where the system gives up, too
   std::error_code ignored;
-  for (int links = 0; fs::is_symlink(fs::symlink_status(path, ignored)); ++links) {
-    if (links == kMostLinks) {
-      return std::nullopt;
-    }
+  for (int links = 0; links < kMostLinks && fs::is_symlink(fs::symlink_status(path, ignored)); ++links) {
     path = path.parent_path() / fs::read_symlink(path, ignored);
   }
   return path;
 }
 
-// Why nothing can be put in the place of `target`; null where something can.
-const char* Obstacle(const std::optional<fs::path>& target) {
-  if (!target) {
-    return "it is a link that leads in a circle";
-  }
-  if (target->empty()) {
-    return "it has no name";
-  }
-  std::error_code ignored;
-  const fs::file_status status = fs::status(*target, ignored);
-  if (fs::is_directory(status)) {
-    return "it is a directory";
-  }
-  return !fs::exists(status) || fs::is_regular_file(status) ? nullptr : "it is no regular file";
-}
-
 std::unique_ptr<OutputTarget> OpenFile(const fs::path& path) {
-  const auto target = FollowLinks(path);
-  if (const char* const obstacle = Obstacle(target)) {
+  if (const std::string obstacle = Obstacle(path); !obstacle.empty()) {
     ComplainAbout(path, obstacle);
     return nullptr;
   }
+  const fs::path target = FollowLinks(path);
   try {
-    return std::make_unique<OutputFile>(*target);
+    return std::make_unique<OutputFile>(target);
   } catch (const std::system_error& failure) {
-    ComplainAbout(*target, failure.code().message());
+    ComplainAbout(target, failure.code().message());
     return nullptr;
   }
 }

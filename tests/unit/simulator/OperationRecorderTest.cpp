@@ -116,6 +116,14 @@ TEST(OperationRecorder, ForgetsWhenCleared) {
   EXPECT_EQ(recorder.Operations(), (std::vector<Operation>{{"ModuleName", ""}}));
 }
 
+TEST(OperationRecorder, AMachineForgetsToo) {
+  const auto machine = SimulatedMachine::FromSample("no-battery");
+  machine->AsPlatform().Now();
+  machine->ForgetOperations();
+  machine->AsPlatform().ModuleName();
+  EXPECT_EQ(machine->Operations(), (std::vector<Operation>{{"ModuleName", ""}}));
+}
+
 TEST(OperationRecorder, NotesOfSeveralThreadsAreComplete) {
   const auto machine = SimulatedMachine::FromSample("no-battery");
   const auto ask = [&] {

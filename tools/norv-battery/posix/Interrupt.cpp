@@ -54,7 +54,7 @@ Interrupt::Interrupt() {
   }
   // What could not be written is not to be waited for once more when the process ends.
   std::setvbuf(stdout, nullptr, _IONBF, 0);
-  HandleUnlessIgnored(SIGALRM, EndWait, 0);
+  Handle(SIGALRM, EndWait, 0);
   for (const int signal : kSignals) {
     HandleUnlessIgnored(signal, TellInterrupt, SA_RESTART | static_cast<int>(SA_RESETHAND));
   }
@@ -65,7 +65,7 @@ Interrupt::~Interrupt() {
     HandleUnlessIgnored(signal, SIG_DFL, 0);
   }
   ::alarm(0);
-  HandleUnlessIgnored(SIGALRM, SIG_DFL, 0);
+  Handle(SIGALRM, SIG_DFL, 0);
   for (const int end : pipeEnds) {
     ::close(end);
   }

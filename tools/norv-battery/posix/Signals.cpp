@@ -2,15 +2,18 @@
 
 namespace norv::tool {
 
-void HandleUnlessIgnored(int signal, void (*handler)(int), int flags) {
+void Handle(int signal, void (*handler)(int), int flags) {
   struct sigaction action = {};
-  if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) {
-    return;
-  }
-  action = {};
   action.sa_handler = handler;
   action.sa_flags = flags;
   ::sigaction(signal, &action, nullptr);
+}
+
+void HandleUnlessIgnored(int signal, void (*handler)(int), int flags) {
+  struct sigaction former = {};
+  if (::sigaction(signal, nullptr, &former) == 0 && former.sa_handler != SIG_IGN) {
+    Handle(signal, handler, flags);
+  }
 }
 
 }  // namespace norv::tool
