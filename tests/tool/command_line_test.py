@@ -136,8 +136,8 @@ class ArgumentTest(ToolTest):
             self.assert_refused(done)
             self.assertIsNone(re.search(r"[^\n -~]", done.stderr), done.stderr)
             self.assertNotIn("\nnorv-battery: fine", done.stderr)
-        for arguments in (["report", "x" * 100_000], ["report", "--format", "x" * 100_000], ["x" * 100_000],
-                          ["report", "--machine", "x" * 100_000], ["report", "--machine", "./" + "x" * 100_000]):
+        for arguments in (["report", "x" * 20_000], ["report", "--format", "x" * 20_000], ["x" * 20_000],
+                          ["report", "--machine", "x" * 20_000], ["report", "--machine", "./" + "x" * 20_000]):
             done = self.run_tool(*arguments)
             self.assert_refused(done)
             self.assertLess(len(done.stderr), 4000)
@@ -444,6 +444,16 @@ class WindowsTest(ToolTest):
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertIn("bl\u00f6cke \u96fb\u6c60.bin", rows.read_text(encoding="utf-8"))
         self.assertEqual(sorted(path.name for path in folder.iterdir()), sorted((blocks.name, rows.name)))
+
+    def test_output_files_are_for_nobody_else(self):
+        target = pathlib.Path(self.folder.name, "recording.json")
+        for rights in (0o000, 0o004):  # Wine makes rights of Linux of the access list; 0 stands for a new file
+            if rights:
+                target.chmod(0o644)
+            done = self.run_tool("record", "--machine", "two-batteries", "--output", f"Z:{target}")
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertEqual(target.stat().st_mode & 0o006, rights)
+        self.assertEqual(os.listdir(self.folder.name), [target.name])
 
     def test_windows_path_that_is_missing(self):
         self.assert_refused(self.run_tool("report", "--machine", "C:\\no\\machine.json"), "machine.json")
