@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <string_view>
 #include <utility>
 
 #include "OperationText.h"
@@ -55,9 +56,15 @@ RecordedCall PathCall(const char* operation, const char* path) {
   return call;
 }
 
-// What the buffer of an operation holds that told `length`, as far as it may be read.
+// What the buffer of an operation holds that told `length`, as far as it may be read. A platform that tells less than
+// it wrote still ended its text with a zero, and the library reads up to there.
 std::string Held(const char* buffer, std::uint32_t size, std::uint32_t length) {
-  return buffer != nullptr ? std::string(buffer, std::min(size, length)) : std::string();
+  if (buffer == nullptr) {
+    return {};
+  }
+  const std::string_view whole(buffer, size);
+  const std::size_t told = std::min(size, length);
+  return std::string(whole.substr(0, std::min(whole.find('\0', told), whole.size())));
 }
 
 std::optional<std::string> ReadReport(const std::string& folder) {
@@ -249,7 +256,8 @@ std::uint32_t MachineRecorder::FormatSystemMessage(std::uint32_t code, char* buf
   return Recorded(*tape_, std::move(call), [&](RecordedCall& kept) {
     const std::uint32_t length = Inner().FormatSystemMessage(code, buffer, size);
     kept.outcome.number = length;
-    kept.outcome.text = Held(buffer, size, length);
+    // Nothing is known of what a failure leaves in the buffer.
+    kept.outcome.text = length > 0 ? Held(buffer, size, length) : std::string();
     return length;
   });
 }

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -190,6 +191,36 @@ TEST(MachineRecorder, AnswersThatNoDescriptionHoldsAreSpelledOut) {
   const std::vector<std::int64_t> told = ask(recorder);
   const auto replayed = SimulatedMachine::FromText(recorder.MachineText(), "the recording");
   EXPECT_EQ(ask(replayed->AsPlatform()), told);
+}
+
+// Tells another length than that of the text that it writes.
+class MistakenPlatform : public platform::PlatformWrapper {
+ public:
+  MistakenPlatform(platform::Platform& inner, std::uint32_t told) : PlatformWrapper(inner), told_(told) {}
+
+  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override {
+    PlatformWrapper::LibraryPath(buffer, size);
+    return told_;
+  }
+  std::uint32_t FormatSystemMessage(std::uint32_t, char* buffer, std::uint32_t) override {
+    std::strcpy(buffer, "A text.\r\n");
+    return told_;
+  }
+
+ private:
+  std::uint32_t told_;
+};
+
+TEST(MachineRecorder, ATextIsReplayedWhateverItsLengthIsSaidToBe) {
+  for (const char* sample : {"two-batteries", "channel-failure"}) {
+    const auto machine = QuickSample(sample);
+    for (const std::uint32_t told : {0U, 1U, 5U, 8U, 9U, 10U, 20U, 259U, 260U, 5000U}) {
+      SCOPED_TRACE(std::string(sample) + " " + std::to_string(told));
+      MistakenPlatform mistaken(machine->AsPlatform(), told);
+      const Recorded recorded = Record(mistaken);
+      EXPECT_EQ(Replay(recorded.text), recorded.learnt) << recorded.text;
+    }
+  }
 }
 
 TEST(MachineRecorder, CommandsOfAllKindsAreKeptWithTheirInput) {
