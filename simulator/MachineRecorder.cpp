@@ -170,9 +170,8 @@ std::vector<RecordedCall> RecordedCalls(const MachineRecorder& recorder) {
 }
 
 std::string MachineRecorder::MachineText(const RecordingOptions& options) const {
-  return options.hash
-             ? RecordedMachineText(Redacted(RecordedCalls(*this), options.hash), Redacted(options.origin, options.hash))
-             : RecordedMachineText(RecordedCalls(*this), options.origin);
+  return options.hash ? RecordedMachineText(Redacted(RecordedCalls(*this), options.hash), Redacted(options.origin))
+                      : RecordedMachineText(RecordedCalls(*this), options.origin);
 }
 
 std::int32_t MachineRecorder::SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,

@@ -1,4 +1,9 @@
 // Takes out of a recording what tells whose machine it is.
+//
+// A recording is built anew from what a list names: the questions that the library asks, and of their answers numbers,
+// codes and the texts that decoding needs. Calls that are not in the list are dropped. A text that is not needed keeps
+// its length and its line ends, and each of its other characters becomes an x; serial and CT numbers become others of
+// the same shape. What looks like a secret is nowhere searched for: nobody can list all the ways to write a name.
 #pragma once
 
 #include <vector>
@@ -9,10 +14,8 @@
 namespace norv::simulator {
 
 std::vector<RecordedCall> Redacted(std::vector<RecordedCall> calls, const KeyedHash& hash);
-Origin Redacted(Origin origin, const KeyedHash& hash);
 
-// The length of the date at the end of a serial number, 0 where there is none: year, month and day, or month, day and
-// year, joined by '-', '/', '.' or a blank, the year written 20 and two digits or as a bare 19.
-std::size_t TrailingDateLength(const std::string& serialNumber);
+// A sample machine is the same everywhere and keeps its name; any other origin keeps its kind alone.
+Origin Redacted(const Origin& origin);
 
 }  // namespace norv::simulator

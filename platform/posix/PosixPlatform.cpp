@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "../OrdinaryFile.h"
+#include "../SystemMessages.h"
 #include "../SystemPlatform.h"
 #include "../system-battery/SystemBattery.h"
 #include "OwnModule.h"
@@ -141,7 +142,7 @@ class PosixPlatform : public Platform {
   }
 
   std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override {
-    const auto text = posix::SystemMessage(code);
+    const auto text = SystemMessage(code);
     if (!text) {
       SetLastCode(posix::kMessageNotFound);
       return 0;

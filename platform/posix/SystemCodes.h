@@ -1,9 +1,7 @@
-// Windows' numbers and texts for what can go wrong on a POSIX system.
+// Windows' numbers for what can go wrong on a POSIX system.
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string_view>
 
 namespace norv::platform::posix {
 
@@ -15,8 +13,5 @@ inline constexpr std::uint32_t kResourceDataNotFound = 1812;  // ERROR_RESOURCE_
 
 // The system code that Windows has for an errno value.
 std::uint32_t SystemCode(int errorNumber);
-
-// The message text of a system code, with its closing line break; nothing when the code is not known.
-std::optional<std::string_view> SystemMessage(std::uint32_t code);
 
 }  // namespace norv::platform::posix

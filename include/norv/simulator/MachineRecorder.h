@@ -27,9 +27,11 @@ using KeyedHash = std::function<std::array<unsigned char, 32>(const std::string&
 
 struct RecordingOptions {
   Origin origin;
-  // Takes serial numbers, CT numbers and the user's name in paths out of the recording, if it is set. What replaces
-  // them is of the same length and shape, and the same for the same value and hash. The date at the end of a serial
-  // number and the first ten characters of a CT number, which tell its assembly, revision, supplier and week, stay.
+  // Makes the recording one that gives nothing away of whose machine it is of, if it is set: only what the library asks
+  // is kept, and of the answers only numbers, codes and the texts that decoding needs. Any other text keeps its length
+  // and its line ends, with an x for each other byte. Serial and CT numbers become others of the same length and shape,
+  // the same for the same number and hash, and never the same for two numbers. The date at the end of a serial number
+  // and the first ten characters of a CT number, which tell its assembly, revision, supplier and week, stay.
   KeyedHash hash;
 };
 
