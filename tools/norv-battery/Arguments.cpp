@@ -10,6 +10,7 @@
 #include "BatteryFolder.h"
 #include "EscapeText.h"
 #include "Report.h"
+#include "recording/Key.h"
 
 namespace norv::tool {
 
@@ -166,6 +167,16 @@ void DescribeEncode(CLI::App& command, EncodeOptions& options) {
   command.footer(kEncodeFooter);
 }
 
+// Whoever gives a key as an argument has it in a file of their shell's by then, and learns where keys belong.
+void RefuseKeyArgument(CLI::App& command) {
+  const auto refuse = [](const CLI::results_t&) -> bool {
+    throw CLI::ValidationError("--key", std::string("other users can read a key in the arguments; put it into a file "
+                                                    "for --key-file or into the environment variable ") +
+                                            kKeyVariable);
+  };
+  command.add_option("--key", refuse)->expected(0, 1)->group("");
+}
+
 void DescribeRecord(CLI::App& command, RecordOptions& options) {
   AddMachine(command, options.machine, options.folder);
   command.add_option("--output", options.output, "Write to this file, which appears once it is complete")
@@ -173,11 +184,11 @@ void DescribeRecord(CLI::App& command, RecordOptions& options) {
   command.add_flag("--cell-swell", options.cellSwell, "Record the cell swell protection data, too");
   command.add_flag("--test", options.test, "Run and record the battery test, too, and wait for its end");
   CLI::Option* const redact =
-      command.add_flag("--redact", options.redact, "Replace serial numbers, CT numbers and the user's name in paths");
-  command.add_option("--key", options.key, "The key that decides by what they are replaced")
-      ->option_text("KEY [made, and shown]")
-      ->needs(redact)
-      ->check([](const std::string& key) { return key.empty() ? "a key is not empty" : ""; });
+      command.add_flag("--redact", options.redact, "Leave out whose machine it is, and replace its numbers by others");
+  command.add_option("--key-file", options.keyFile, "Take the key that decides by which ones from this file")
+      ->option_text(std::string("FILE [") + kKeyVariable + ", or made and shown]")
+      ->needs(redact);
+  RefuseKeyArgument(command);
   command.footer(kRecordFooter);
 }
 

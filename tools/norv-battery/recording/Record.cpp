@@ -1,8 +1,6 @@
 #include "recording/Record.h"
 
-#include <array>
-#include <cstdio>
-#include <random>
+#include <optional>
 
 #include "ExitStatus.h"
 #include "Machine.h"
@@ -10,34 +8,26 @@
 #include "ReadReport.h"
 #include "StandardStreams.h"
 #include "norv/simulator/MachineRecorder.h"
+#include "recording/Key.h"
 #include "recording/Sha256.h"
 
 namespace norv::tool {
 
 namespace {
 
-// 128 bits of the system's randomness, in hex digits.
-std::string MakeKey() {
-  std::random_device random;
-  std::string key;
-  for (int i = 0; i < 4; ++i) {
-    std::array<char, 16> digits{};
-    std::snprintf(digits.data(), digits.size(), "%08x", random());
-    key += digits.data();
-  }
-  return key;
+simulator::KeyedHash MakeHash(const std::string& key) {
+  return [key](const std::string& value) { return KeyedSha256(key, value); };
 }
 
-simulator::KeyedHash MakeHash(const RecordOptions& options) {
-  if (!options.redact) {
-    return nullptr;
+// The key that was given, or one that is made and shown.
+std::string ChooseKey(const std::optional<std::string>& given) {
+  const std::string key = given ? *given : MakeKey();
+  if (!given) {
+    Complain("redacted with a key that was made for it: " + key +
+             "\nKept in a file for --key-file, or in the environment variable " + kKeyVariable +
+             ", it replaces the same numbers by the same ones in the next recording.");
   }
-  const std::string key = options.key ? *options.key : MakeKey();
-  if (!options.key) {
-    Complain("redacted with the key " + key + " (give it to the next recording, as --key " + key +
-             ", and the same numbers are replaced by the same ones)");
-  }
-  return [key](const std::string& value) { return KeyedSha256(key, value); };
+  return key;
 }
 
 simulator::Origin OriginOf(const Source& source) {
@@ -47,6 +37,8 @@ simulator::Origin OriginOf(const Source& source) {
 }  // namespace
 
 int RunRecord(const RecordOptions& options) {
+  // Before anything is read or written: a recording takes its time, and a wrong key file is found at once.
+  const std::optional<std::string> key = options.redact ? GivenKey(options.keyFile) : std::nullopt;
   const Machine machine = ChooseMachine(options.machine, options.folder);
   const auto output = OpenOutput(options.output);
   if (output == nullptr) {
@@ -58,7 +50,8 @@ int RunRecord(const RecordOptions& options) {
     const platform::ScopedPlatform scope(recorder);
     hasBattery = ReadReport(machine.source, {options.cellSwell, options.test}).HasBattery();
   }
-  const std::string text = recorder.MachineText({OriginOf(machine.source), MakeHash(options)});
+  const std::string text =
+      recorder.MachineText({OriginOf(machine.source), options.redact ? MakeHash(ChooseKey(key)) : nullptr});
   if (!output->Write(text) || !output->Complete()) {
     return kUnusable;
   }

@@ -13,7 +13,7 @@ struct RecordOptions {
   bool cellSwell = false;
   bool test = false;
   bool redact = false;
-  std::optional<std::string> key;  // of the redaction; made where there is none
+  std::optional<std::string> keyFile;  // with the key of the redaction; see GivenKey()
 };
 
 // The exit status.
