@@ -292,6 +292,15 @@ class ReportTest(ToolTest):
         self.assertEqual(identity["serialNumber"], " A\\\u0001\u00ff\u00e9\u007f~ ")
         self.assertEqual(identity["manufacturer"], "\n")
 
+    def test_json_holds_no_control_characters(self):
+        path = self.write("machine.json", machine({"serialNumber": "a\x01\x7f\u0080\u009f\u00a0z"}))
+        for command in (["report", "--format", "json"], ["watch", "--count", "1", "--format", "jsonl"], ["record"]):
+            done = self.run_tool(*command, "--machine", path)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertIsNone(re.search("[\0-\x09\x0b-\x1f\x7f-\x9f]", done.stdout), command)
+            if command[0] != "record":  # which writes such a block in hex digits
+                self.assertIn("a\\u0001\\u007f\\u0080\\u009f\u00a0z", done.stdout)
+
     def test_texts_of_a_report_can_be_copied_into_a_machine_file(self):
         identity = self.json_report(machine({"serialNumber": "\u0080\u00c3\u00a9"}))["batteries"][0]["identity"]
         again = self.json_report(machine(identity))["batteries"][0]["identity"]
