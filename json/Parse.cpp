@@ -158,7 +158,7 @@ class StreamBytes {
 
   StreamBytes& operator++() {
     if (taken_->size() == kLongestValue) {
-      throw ParseError("expected a value of no more than " + std::to_string(kLongestValue) + " bytes");
+      throw ParseError("expected a value of no more than " + std::to_string(kLongestValue >> 20U) + " MiB");
     }
     *taken_ += **this;
     source_->sbumpc();

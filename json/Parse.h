@@ -14,7 +14,7 @@ namespace norv::json {
 // So many arrays and objects may be within each other: whoever walks a tree by recursion has a stack for it.
 inline constexpr std::size_t kDeepest = 64;
 
-// So many bytes of a stream may make one value.
+// So many bytes may make one value: of a stream, or of a file that is read whole.
 inline constexpr std::size_t kLongestValue = std::size_t{64} << 20U;
 
 // A text that is no JSON, is nested too deeply, holds a key twice in one object or a number that no type holds. what()

@@ -1,5 +1,6 @@
 #include "norv/simulator/FaultInjector.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <new>
@@ -49,12 +50,14 @@ long ToCode(std::uint32_t number) {
 
 }  // namespace
 
-// The faults, how often each has met a call that it fits, and the system code that each thread was left with.
+// The faults, how often calls that they fit were met, and the system code that each thread was left with.
 class FaultInjector::Plan {
  public:
   explicit Plan(std::vector<Fault> faults) {
-    for (Fault& fault : faults) {
-      armed_.push_back({std::move(fault), 0});
+    faults_ = std::move(faults);
+    for (std::size_t number = 0; number < faults_.size(); ++number) {
+      Armed& armed = armed_[{faults_[number].operation, faults_[number].argument}];
+      armed.byCall.try_emplace(faults_[number].call.value_or(kEveryCall), number);
     }
   }
 
@@ -79,32 +82,37 @@ class FaultInjector::Plan {
   }
 
  private:
+  // The faults that fit the same calls, by the call that they strike. Of two for one call the first one strikes.
   struct Armed {
-    Fault fault;
-    unsigned calls;
+    unsigned calls = 0;
+    std::map<unsigned, std::size_t> byCall;
   };
 
-  std::optional<Fault> Count(std::string_view operation, const std::string& argument) {
+  static constexpr unsigned kEveryCall = 0;  // calls are counted from 1
+
+  std::optional<Fault> Count(const std::string& operation, const std::string& argument) {
     const std::lock_guard lock(mutex_);
     if (operation != kLastSystemCode) {
       systemCodes_.erase(std::this_thread::get_id());
     }
-    std::optional<Fault> struck;
-    for (Armed& armed : armed_) {
-      const Fault& fault = armed.fault;
-      if (fault.operation != operation || (fault.argument.has_value() && *fault.argument != argument)) {
+    std::size_t struck = faults_.size();
+    for (const std::optional<std::string>& fitting : {std::optional<std::string>(), std::optional(argument)}) {
+      const auto armed = armed_.find({operation, fitting});
+      if (armed == armed_.end()) {
         continue;
       }
-      ++armed.calls;
-      if (!struck.has_value() && (!fault.call.has_value() || *fault.call == armed.calls)) {
-        struck = fault;
+      ++armed->second.calls;
+      for (const unsigned call : {kEveryCall, armed->second.calls}) {
+        const auto found = armed->second.byCall.find(call);
+        struck = std::min(struck, found != armed->second.byCall.end() ? found->second : struck);
       }
     }
-    return struck;
+    return struck < faults_.size() ? std::optional(faults_[struck]) : std::nullopt;
   }
 
   std::mutex mutex_;
-  std::vector<Armed> armed_;
+  std::vector<Fault> faults_;
+  std::map<std::pair<std::string, std::optional<std::string>>, Armed> armed_;  // by operation and argument
   std::map<std::thread::id, std::uint32_t> systemCodes_;
 };
 

@@ -256,6 +256,10 @@ std::string ReadTextFile(const std::string& path) {
   do {
     file.read(piece, sizeof piece);
     text.append(piece, static_cast<std::size_t>(file.gcount()));
+    if (text.size() > json::kLongestValue) {
+      throw MachineFileError(path + ": expected a machine file of no more than " +
+                             std::to_string(json::kLongestValue >> 20U) + " MiB");
+    }
   } while (file);
   // A folder opens as a file on some systems, and only its reading fails.
   if (file.bad()) {

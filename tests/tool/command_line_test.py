@@ -74,6 +74,20 @@ class ToolTest(unittest.TestCase):
 
 
 class HelpTest(ToolTest):
+    def test_a_machine_that_throws_leaves_a_message_and_no_folder(self):
+        temporary = pathlib.Path(self.folder.name, "temporary")
+        temporary.mkdir()
+        for operation in ("BatterySource", "DriverStateOfCharge", "Now", "SendBiosCommand"):
+            for thrown, part in (("int", "does not say why"), ("runtime_error", "injected fault")):
+                contents = machine({}, testProgram=test_program(), faults=[{"operation": operation, "throws": thrown}])
+                for command in (("report", "--test"), ("record", "--test"), ("watch", "--count", "1"), ("encode",)):
+                    done = self.run_tool(*command, "--machine", self.write("machine.json", contents),
+                                         env={**os.environ, "TMPDIR": str(temporary)})
+                    self.assertIn(done.returncode, (0, 1, 2), done.stderr)
+                    if done.returncode == 2:
+                        self.assertIn(part, done.stderr)
+                    self.assertEqual(os.listdir(temporary), [])
+
     def test_help_names_the_commands(self):
         done = self.run_tool("--help")
         self.assertEqual((done.returncode, done.stderr), (0, ""))

@@ -552,6 +552,17 @@ class EncodeTest(unittest.TestCase):
         self.assert_refused(run("encode", "--machine", "no-such-sample"), "no-such-sample")
         self.assert_refused(run("encode", "x", "--machine", "one-battery"), "--machine")
 
+    def test_nesting_that_is_too_deep(self):
+        nested = b"[" * 60000 + b"]" * 60000
+        for contents in (nested, b'{"identity": {}, "capacity": {"designCapacity": ' + nested + b"}}",
+                         b'{"batteries": ' + nested + b"}", b'{"a": ' * 60000 + b"1" + b"}" * 60000):
+            self.assert_refused(run("encode", input=contents), "JSON value 1", "no more than 64 arrays and objects")
+        machine = pathlib.Path(self.folder.name, "deep.json")
+        machine.write_bytes(b'{"description": "A", "slots": [{"battery": {"voltage": ' + nested + b"}}]}")
+        for command in ("encode", "report", "record", "watch"):
+            self.assert_refused(run(command, "--machine", str(machine)), "deep.json: slots[0].battery.voltage[0]",
+                                "no more than 64 arrays and objects")
+
     def test_refused_input_leaves_no_file(self):
         target = pathlib.Path(self.folder.name, "blocks.bin")
         contents = decode(good_hex().encode()).stdout * 2000 + b"{}"

@@ -2,8 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <map>
 #include <string>
 
@@ -125,6 +128,57 @@ TEST(MachineFile, RefusesWhatIsNoFile) {
   EXPECT_EQ(FileRefusal(missing), missing + ": expected a machine file, cannot open it: No such file or directory");
   const std::string folder = kFolder.string();
   EXPECT_THAT(FileRefusal(folder), StartsWith(folder + ": expected a machine file, cannot "));
+}
+
+TEST(MachineFile, RefusesAFileThatIsTooLarge) {
+  const fs::path file = fs::path(testing::TempDir()) / "large-machine.json";
+  std::ofstream(file).close();
+  fs::resize_file(file, (std::uintmax_t{64} << 20U) + 1);
+  EXPECT_EQ(FileRefusal(file.string()), file.string() + ": expected a machine file of no more than 64 MiB");
+  fs::remove(file);
+}
+
+// The time of the processor that reading `text` takes: of several runs the shortest, which others disturbed least.
+double ReadingTime(const std::string& text) {
+  std::clock_t shortest = std::numeric_limits<std::clock_t>::max();
+  for (int run = 0; run < 3; ++run) {
+    const std::clock_t begin = std::clock();
+    EXPECT_EQ(Refusal(text), "taken");
+    shortest = std::min(shortest, std::clock() - begin);
+  }
+  return static_cast<double>(shortest) / CLOCKS_PER_SEC;
+}
+
+std::string Repeated(const char* before, const char* entry, const char* after, int count) {
+  std::string text = std::string(R"({"description": "A", )") + before;
+  for (int number = 0; number < count; ++number) {
+    std::string one = entry;
+    one.replace(one.find('#'), 1, std::to_string(number + 1));
+    text += (number > 0 ? "," : "") + one;
+  }
+  return text + after + "}";
+}
+
+TEST(MachineFile, TakesTimeInProportionToItsSize) {
+  struct List {
+    const char* before;
+    const char* entry;
+    const char* after;
+  };
+  for (const List& list : {
+           List{R"("answers": [)", R"({"operation": "FormatSystemMessage", "argument": "#", "result": "m"})", "]"},
+           List{R"("answers": [)", R"({"operation": "Now", "result": #})", "]"},
+           List{R"("faults": [)", R"({"operation": "Now", "call": #, "throws": "int"})", "]"},
+           List{R"("systemMessages": {)", R"("#": "m")", "}"},
+           List{R"("wmi": {)", R"("n#": {})", "}"},
+           List{R"("wmi": {"n": {)", R"("C#": [])", "}}"},
+           List{R"("wmi": {"n": {"C": [)", R"({"P": #})", "]}}"},
+           List{R"("wmi": {"n": {"C": [{)", R"("P#": 1)", "}]}}"},
+       }) {
+    const double few = ReadingTime(Repeated(list.before, list.entry, list.after, 2000));
+    const double many = ReadingTime(Repeated(list.before, list.entry, list.after, 20000));
+    EXPECT_LT(many, 30 * few + 0.03) << list.before << list.entry;  // ten times as long, or a hundred if quadratic
+  }
 }
 
 TEST(MachineFile, ShowsOnlyTheStartOfALongText) {
