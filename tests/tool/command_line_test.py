@@ -13,9 +13,11 @@ import pathlib
 import pty
 import re
 import resource
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 TOOL = []
@@ -477,6 +479,22 @@ class WindowsTest(ToolTest):
             self.assertEqual((done.returncode, done.stderr), (0, ""))
             self.assertEqual(target.stat().st_mode & 0o006, rights)
         self.assertEqual(os.listdir(self.folder.name), [target.name])
+
+    def test_ctrl_c_leaves_no_output_file(self):
+        command = subprocess.Popen([*TOOL, "decode", "--output", f"Z:{self.folder.name}/rows.jsonl"],
+                                   stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(command.stdin.close)
+        for _ in range(3000):
+            if os.listdir(self.folder.name):
+                break
+            time.sleep(0.01)
+        self.assertEqual([name[-5:] for name in os.listdir(self.folder.name)], [".part"])
+        # The runner is a shell script; Wine makes a Ctrl-C of the signal that its program gets.
+        children = pathlib.Path(f"/proc/{command.pid}/task/{command.pid}/children").read_text(encoding="ascii").split()
+        for child in children:
+            os.kill(int(child), signal.SIGINT)
+        command.wait(timeout=60)
+        self.assertEqual(os.listdir(self.folder.name), [])
 
     def test_windows_path_that_is_missing(self):
         self.assert_refused(self.run_tool("report", "--machine", "C:\\no\\machine.json"), "machine.json")
