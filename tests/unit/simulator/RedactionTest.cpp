@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <random>
 #include <set>
+#include <system_error>
 
 #include "HexText.h"
 #include "MachineText.h"
@@ -325,6 +326,58 @@ TEST(Redaction, KeepsOnlyWhatTheLibraryAsks) {
   // The library connects to the same namespace under another name.
   EXPECT_EQ(json["answers"], nlohmann::json::parse(R"([{"operation": "Query", "namespace": "root\\cimv2",
       "argument": "SELECT * FROM Win32_BIOS", "rows": [{"Name": "xxxx"}]}])"));
+}
+
+class OwnersCategory : public std::error_category {
+ public:
+  const char* name() const noexcept override { return "Karl"; }
+  std::string message(int) const override { return "Karl is at home"; }
+};
+
+// A platform of a host's own, with something of the owner's in what no machine file can say.
+class OwnersPlatform : public platform::PlatformWrapper {
+ public:
+  using PlatformWrapper::PlatformWrapper;
+
+  std::int32_t SendBiosCommand(std::uint32_t, std::uint32_t, std::uint32_t, const unsigned char*, std::uint32_t,
+                               unsigned char*, std::uint32_t*) override {
+    static const OwnersCategory category;
+    throw std::system_error(7, category, "Karl");
+  }
+  std::wstring ModuleName() override { return L"K\u00E4rl.dll"; }
+  std::string BatterySource() override { return "Karl\r\nhimself"; }
+  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override {
+    std::string_view("C:\\Karl\\a.dll\0Karl", 18).copy(buffer, size);
+    return 18;
+  }
+};
+
+TEST(Redaction, MasksWhatNoMachineFileSays) {
+  const auto machine = MachineWith(R"("slots": [])");
+  OwnersPlatform owners(machine->AsPlatform());
+  MachineRecorder recorder(owners);
+  std::array<char, 40> buffer{};
+  std::uint32_t returnCode = 0;
+  EXPECT_THROW(recorder.SendBiosCommand(1, 7, 1, nullptr, 0, nullptr, &returnCode), std::system_error);
+  EXPECT_EQ(recorder.ModuleName(), L"K\u00E4rl.dll");
+  EXPECT_EQ(recorder.BatterySource(), "Karl\r\nhimself");
+  EXPECT_EQ(recorder.LibraryPath(buffer.data(), buffer.size()), 18U);
+  RecordingOptions options;
+  options.hash = HashWith(1);
+  const std::string text = recorder.MachineText(options);
+  EXPECT_THAT(text, Not(HasSubstr("arl")));
+  const auto replayed = SimulatedMachine::FromText(text, "the recording");
+  platform::Platform& replay = replayed->AsPlatform();
+  try {
+    replay.SendBiosCommand(1, 7, 1, nullptr, 0, nullptr, &returnCode);
+    ADD_FAILURE();
+  } catch (const std::system_error& thrown) {
+    EXPECT_EQ(thrown.code(), std::error_code(7, std::generic_category()));
+  }
+  EXPECT_EQ(replay.ModuleName(), L"xxxxxxxxx");
+  EXPECT_EQ(replay.BatterySource(), "xxxx\r\nxxxxxxx");
+  EXPECT_EQ(replay.LibraryPath(buffer.data(), buffer.size()), 18U);
+  EXPECT_EQ(std::string(buffer.data(), 18), std::string("xx\\xxxx\\xxxxx\0xxxx", 18));
 }
 
 TEST(Redaction, ClearsWhatABlockDoesNotTell) {
