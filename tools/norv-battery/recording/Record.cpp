@@ -21,12 +21,13 @@ simulator::KeyedHash MakeHash(const std::string& key) {
 
 // The key that was given, or one that is made and shown.
 std::string ChooseKey(const std::optional<std::string>& given) {
-  const std::string key = given ? *given : MakeKey();
-  if (!given) {
-    Complain("redacted with a key that was made for it: " + key +
-             "\nKept in a file for --key-file, or in the environment variable " + kKeyVariable +
-             ", it replaces the same numbers by the same ones in the next recording.");
+  if (given.has_value()) {
+    return *given;
   }
+  std::string key = MakeKey();
+  Complain("redacted with a key that was made for it: " + key +
+           "\nKept in a file for --key-file, or in the environment variable " + kKeyVariable +
+           ", it replaces the same numbers by the same ones in the next recording.");
   return key;
 }
 
