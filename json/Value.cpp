@@ -12,6 +12,13 @@ const Value kNull;
 
 }  // namespace
 
+Object::Object() = default;
+Object::Object(const Object& other) = default;
+Object::Object(Object&& other) noexcept = default;
+Object& Object::operator=(const Object& other) = default;
+Object& Object::operator=(Object&& other) noexcept = default;
+Object::~Object() = default;
+
 Object::Object(std::initializer_list<Member> members) {
   members_.reserve(members.size());
   for (const Member& member : members) {

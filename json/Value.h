@@ -23,10 +23,16 @@ using Array = std::vector<Value>;
 // Members in the order in which they were added; no two have the same key.
 class Object {
  public:
-  Object() = default;
+  // None of these is made by the compiler here, where a member is not known yet.
+  Object();
   Object(std::initializer_list<Member> members);
+  Object(const Object& other);
+  Object(Object&& other) noexcept;
+  Object& operator=(const Object& other);
+  Object& operator=(Object&& other) noexcept;
+  ~Object();
 
-  bool IsEmpty() const { return members_.empty(); }
+  bool IsEmpty() const { return begin() == end(); }
 
   // Null where no member has this key.
   const Value* Find(std::string_view key) const;
