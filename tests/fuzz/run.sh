@@ -10,7 +10,7 @@ folder=$(cd "$1" && pwd)
 readonly folder
 readonly seconds=${2:-20}
 targets=("${@:3}")
-[[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file decode-binary decode-hex encode)
+[[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file machine-reports decode-binary decode-hex encode)
 readonly targets
 for target in "${targets[@]}"; do
   if [[ ! -d $here/corpus/$target ]]; then
@@ -35,7 +35,7 @@ Build() {
 # The inputs of the crashes are named at the end of the target's output.
 Fuzz() {
   local target=$1 status=0 muted=1
-  [[ $target == encode ]] && muted=3  # the command complains about nearly every input
+  [[ $target == encode || $target == machine-reports ]] && muted=3  # commands complain about nearly every input
   mkdir -p "$folder/corpus/$target" "$folder/crashes"
   "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -seed="${NORV_FUZZ_SEED:-0}" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
     -max_len=8192 -close_fd_mask="$muted" -dict="$here/dictionaries/$target.dict" -print_final_stats=1 \
