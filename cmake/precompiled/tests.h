@@ -1,0 +1,7 @@
+// What most test programs include.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "standard.h"
