@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and installs the library as anyone would, then builds and runs hosts against what was installed:
-#   tests/consumer/run.sh WORK-FOLDER
-# once for each compiler and build type. Ends with `N passed, N failed`.
+#   tests/consumer/run.sh WORK-FOLDER [BUILD-FOLDER]
+# once for each compiler and build type, or only with what BUILD-FOLDER, an optimised build by g++, installs. Ends with
+# `N passed, N failed`.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 readonly here
@@ -10,6 +11,8 @@ readonly root
 mkdir -p "${1:?usage: tests/consumer/run.sh WORK-FOLDER}"
 work=$(cd "$1" && pwd)
 readonly work
+[[ $# -lt 2 ]] || given=$(cd "$2" && pwd)
+readonly given=${given:-}
 # shellcheck source=tests/checks.sh
 . "$here/../checks.sh"
 
@@ -98,20 +101,30 @@ RunHosts() {
 
 InstalledTool() { env -u LD_LIBRARY_PATH "$1/bin/norv-battery" report --machine two-batteries; }
 
-# Try COMPILER BUILD-TYPE SIMULATOR
+InstallGiven() {
+  rm -rf "$work/g++-Release/prefix"
+  cmake --install "$given" --prefix "$work/g++-Release/prefix"
+}
+
+# Try INSTALL COMPILER BUILD-TYPE SIMULATOR: with the library that INSTALL, given the other three, installs.
 Try() {
-  local name=$1-$2
-  Check "$name: the library builds and installs" InstallLibrary "$@" || return 0
+  local install=$1 name=$2-$3
+  shift
+  Check "$name: the library builds and installs" "$install" "$@" || return 0
   Check "$name: each public header stands alone" HeadersAlone "$1" "$work/$name/prefix" || true
   Check "$name: hosts build through find_package" BuildHosts "$@" || return 0
   RunHosts "$name" "$3"
 }
 
 Check "the README shows a host program" ReadmeProgram || true
-Try g++ Release ON
-Try g++ Debug OFF
-Try clang++ Release OFF
-Try clang++ Debug OFF
+if [[ -n $given ]]; then
+  Try InstallGiven g++ Release ON
+else
+  Try InstallLibrary g++ Release ON
+  Try InstallLibrary g++ Debug OFF
+  Try InstallLibrary clang++ Release OFF
+  Try InstallLibrary clang++ Debug OFF
+fi
 if [[ -d $work/g++-Release/prefix ]]; then
   Check "g++-Release: a host builds through pkg-config from a moved tree" PkgConfigHost "$work/g++-Release/prefix" || true
 fi
