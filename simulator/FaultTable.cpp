@@ -46,7 +46,7 @@ struct NamedEffect {
   FaultEffect effect;
 };
 
-constexpr std::array kEffectKeys{
+constexpr std::array kNamedEffects{
     NamedEffect{"status", FaultEffect::Status},
     NamedEffect{"returnCode", FaultEffect::ReturnCode},
     NamedEffect{"code", FaultEffect::Code},
@@ -112,7 +112,7 @@ bool HasEffect(std::string_view operation, FaultEffect effect) {
 
 std::string EffectKeys(std::string_view operation) {
   std::string keys;
-  for (const NamedEffect& entry : kEffectKeys) {
+  for (const NamedEffect& entry : kNamedEffects) {
     if (HasEffect(operation, entry.effect)) {
       keys.append(Quoted(entry.name)).append(" or ");
     }

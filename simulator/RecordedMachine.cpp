@@ -208,9 +208,9 @@ std::optional<std::int64_t> UtcOffset(const Calls& calls) {
     const std::int64_t days = std::chrono::sys_days(date).time_since_epoch().count();
     const std::int64_t seconds =
         ((days * 24 + local.tm_hour) * 60 + local.tm_min) * 60 + local.tm_sec - call.outcome.number;
-    constexpr std::int64_t kLargestOffset = 840;
+    constexpr std::int64_t kMostMinutes = 840;
     const std::int64_t minutes = seconds / 60;
-    return seconds % 60 == 0 && std::abs(minutes) <= kLargestOffset ? std::optional(minutes) : std::nullopt;
+    return seconds % 60 == 0 && std::abs(minutes) <= kMostMinutes ? std::optional(minutes) : std::nullopt;
   }
   return std::nullopt;
 }

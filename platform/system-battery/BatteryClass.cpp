@@ -13,8 +13,8 @@ constexpr std::uint32_t kIsShortTerm = 0x20000000U;
 
 // BATTERY_STATUS::PowerState
 constexpr std::uint32_t kPowerOnLine = 0x1U;
-constexpr std::uint32_t kDischarging = 0x2U;
-constexpr std::uint32_t kCharging = 0x4U;
+constexpr std::uint32_t kPowerDischarging = 0x2U;
+constexpr std::uint32_t kPowerCharging = 0x4U;
 
 constexpr std::uint32_t kUnknown = 0xFFFFFFFFU;  // of a capacity, and of a voltage
 constexpr auto kUnknownRate = static_cast<std::int32_t>(0x80000000U);
@@ -48,10 +48,10 @@ std::optional<std::uint32_t> StateOfCharge(const Answers& answers) {
 
 std::optional<ChargeState> StateOf(const Answers& answers) {
   const std::uint32_t power = answers.status.powerState;
-  if ((power & kCharging) != 0) {
+  if ((power & kPowerCharging) != 0) {
     return ChargeState::Charging;
   }
-  if ((power & kDischarging) != 0) {
+  if ((power & kPowerDischarging) != 0) {
     return ChargeState::Discharging;
   }
   if ((power & kPowerOnLine) == 0) {

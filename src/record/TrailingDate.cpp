@@ -10,7 +10,7 @@ namespace norv::shared::battery::record {
 namespace {
 
 // One way to write the date. In a layout '0' stands for a digit and '-' for any separator.
-struct Shape {
+struct DateShape {
   std::string_view layout;
   std::size_t year;
   std::size_t yearDigits;
@@ -19,7 +19,7 @@ struct Shape {
 };
 
 // The longer way of each order comes first: it begins further left. Year first wins over month first.
-constexpr std::array<Shape, 4> kShapes{{
+constexpr std::array<DateShape, 4> kDateShapes{{
     {"2000-00-00", 0, 4, 5, 8},
     {"19-00-00", 0, 2, 3, 6},
     {"00-00-2000", 6, 4, 0, 3},
@@ -29,7 +29,7 @@ constexpr std::array<Shape, 4> kShapes{{
 constexpr std::string_view kSeparators = "- /.";
 
 // Years of the layouts begin with their own digits, everything else is any digit.
-bool Matches(char character, const Shape& shape, std::size_t position) {
+bool Matches(char character, const DateShape& shape, std::size_t position) {
   const char wanted = shape.layout[position];
   if (wanted == '-') {
     return kSeparators.find(character) != std::string_view::npos;
@@ -38,7 +38,7 @@ bool Matches(char character, const Shape& shape, std::size_t position) {
   return isCentury ? character == wanted : IsDigit(character);
 }
 
-int Read(std::string_view digits) {
+int ReadNumber(std::string_view digits) {
   int value = 0;
   for (const char digit : digits) {
     value = 10 * value + (digit - '0');
@@ -46,7 +46,7 @@ int Read(std::string_view digits) {
   return value;
 }
 
-std::optional<TrailingDate> Match(std::string_view text, const Shape& shape) {
+std::optional<TrailingDate> Match(std::string_view text, const DateShape& shape) {
   if (text.size() < shape.layout.size()) {
     return std::nullopt;
   }
@@ -56,8 +56,8 @@ std::optional<TrailingDate> Match(std::string_view text, const Shape& shape) {
       return std::nullopt;
     }
   }
-  const TrailingDate date{Read(text.substr(shape.year, shape.yearDigits)), Read(text.substr(shape.month, 2)),
-                          Read(text.substr(shape.day, 2))};
+  const TrailingDate date{ReadNumber(text.substr(shape.year, shape.yearDigits)),
+                          ReadNumber(text.substr(shape.month, 2)), ReadNumber(text.substr(shape.day, 2))};
   const bool exists = date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31;
   return exists ? std::optional(date) : std::nullopt;
 }
@@ -65,7 +65,7 @@ std::optional<TrailingDate> Match(std::string_view text, const Shape& shape) {
 }  // namespace
 
 std::optional<TrailingDate> FindTrailingDate(std::string_view text) {
-  for (const Shape& shape : kShapes) {
+  for (const DateShape& shape : kDateShapes) {
     if (const auto date = Match(text, shape)) {
       return date;
     }

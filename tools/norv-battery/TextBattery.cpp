@@ -16,7 +16,7 @@ constexpr int kWordValues = 0x10000;
 
 constexpr const char* kOfTheSystem = " (the operating system's figure, mostly in mW)";
 
-std::string ThreeDecimals(float percentage) {
+std::string PercentText(float percentage) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.3f %%", static_cast<double>(percentage));
   return text.data();
@@ -24,7 +24,7 @@ std::string ThreeDecimals(float percentage) {
 
 std::string Percentage(float percentage, int divisor, const char* divisorName) {
   if (percentage != kNotComputable) {
-    return ThreeDecimals(percentage) + " of the " + divisorName;
+    return PercentText(percentage) + " of the " + divisorName;
   }
   return divisor == 0 ? std::string("not computable (the ") + divisorName + " is 0)"
                       : "not computable (the figure is too large)";
@@ -113,7 +113,7 @@ void AddStatus(TextLines& lines, const Status& status) {
 }
 
 // The day of a date-time text; its time of day is always midnight.
-std::string Day(const std::string& dateTime) {
+std::string DayText(const std::string& dateTime) {
   return dateTime.empty() ? "not known (the firmware's date does not exist)"
                           : EscapeText(dateTime.substr(0, dateTime.find('T')));
 }
@@ -122,7 +122,7 @@ std::string WarrantyDay(const Dates& dates) {
   if (dates.warrantyDate.empty() && !dates.manufacturingDate.empty()) {
     return "not known (no such day)";
   }
-  return Day(dates.warrantyDate);
+  return DayText(dates.warrantyDate);
 }
 
 std::string AgeText(const Age& age, const std::string& serialNumber) {
@@ -142,7 +142,7 @@ std::string AgeText(const Age& age, const std::string& serialNumber) {
 
 void AddDates(TextLines& lines, const Dates& dates, const std::string& serialNumber) {
   lines.Section("Dates and warranty");
-  lines.Row("Manufacturing date", Day(dates.manufacturingDate));
+  lines.Row("Manufacturing date", DayText(dates.manufacturingDate));
   lines.Row("Warranty type", dates.warrantyType);
   lines.Row("Warranty date", WarrantyDay(dates));
   lines.Row("Age", AgeText(dates.age, serialNumber));

@@ -13,7 +13,7 @@ namespace norv::tool {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{1000};
-constexpr std::chrono::milliseconds kStep{100};
+constexpr std::chrono::milliseconds kTick{100};
 constexpr std::uint64_t kMebibyte = 1048576;
 
 std::optional<std::uint64_t> TotalSize(const std::vector<std::string>& sources) {
@@ -59,7 +59,7 @@ DecodeProgress::~DecodeProgress() {
 void DecodeProgress::Update(std::uint64_t bytesRead) {
   if (isShown_ && Clock::now() >= nextChange_) {
     StandardError::Instance().ShowPassingLine(Line(bytesRead, total_));
-    nextChange_ = Clock::now() + kStep;
+    nextChange_ = Clock::now() + kTick;
   }
 }
 

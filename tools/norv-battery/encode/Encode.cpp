@@ -89,7 +89,7 @@ class BlockWriter {
 
 // What is wrong with an identifier that a line begins with; null where it is read as it was written.
 const char* DefectOf(std::string_view id) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
   constexpr std::size_t kMost = Portion::kLargest - 2 * kBlockSize - 1;  // of a line, less the digits and the comma
   if (id.size() > kMost) {
     return "makes the line too long";
@@ -100,7 +100,7 @@ const char* DefectOf(std::string_view id) {
   if (EscapeControls(id) != id) {
     return "holds a control character";
   }
-  if (id.starts_with(kByteOrderMark)) {
+  if (id.starts_with(kMark)) {
     return "begins with a byte order mark";
   }
   return id.starts_with(' ') || id.ends_with(' ') ? "begins or ends with a blank" : nullptr;

@@ -11,7 +11,7 @@ namespace norv::tool {
 
 namespace {
 
-constexpr std::size_t kBlockSize = 64;
+constexpr std::size_t kMessageBlock = 64;
 
 using State = std::array<std::uint32_t, 8>;
 
@@ -74,7 +74,7 @@ void TakeBlock(std::string_view block, State& state) {
 std::string Padded(std::string_view message) {
   std::string padded(message);
   padded.push_back('\x80');
-  while (padded.size() % kBlockSize != kBlockSize - 8) {
+  while (padded.size() % kMessageBlock != kMessageBlock - 8) {
     padded.push_back('\0');
   }
   const std::uint64_t bits = std::uint64_t{message.size()} * 8;
@@ -100,8 +100,8 @@ std::string ToText(const Digest& digest) {
 Digest Sha256(std::string_view message) {
   const std::string padded = Padded(message);
   State state = kFirstState;
-  for (std::size_t start = 0; start < padded.size(); start += kBlockSize) {
-    TakeBlock(std::string_view(padded).substr(start, kBlockSize), state);
+  for (std::size_t start = 0; start < padded.size(); start += kMessageBlock) {
+    TakeBlock(std::string_view(padded).substr(start, kMessageBlock), state);
   }
   Digest digest{};
   for (std::size_t i = 0; i < digest.size(); ++i) {
@@ -113,8 +113,8 @@ Digest Sha256(std::string_view message) {
 Digest KeyedSha256(std::string_view key, std::string_view message) {
   constexpr unsigned char kInnerPad = 0x36;
   constexpr unsigned char kOuterPad = 0x5c;
-  std::string block = key.size() > kBlockSize ? ToText(Sha256(key)) : std::string(key);
-  block.resize(kBlockSize, '\0');
+  std::string block = key.size() > kMessageBlock ? ToText(Sha256(key)) : std::string(key);
+  block.resize(kMessageBlock, '\0');
   const Digest inner = Sha256(Xored(block, kInnerPad) + std::string(message));
   return Sha256(Xored(block, kOuterPad) + ToText(inner));
 }
