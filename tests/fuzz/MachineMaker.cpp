@@ -29,6 +29,13 @@ const Texts kMessages{"2", "5", "0x80070005", "4294967295"};
 const Texts kModule{R"(C:\Program Files\Norv\norv-battery-info.dll)", "", R"(\\server\x.dll)", "x.dll"};
 const Texts kFolders{"", "/nowhere", "nowhere", R"(C:\nowhere)"};
 
+const Texts kTimes{"2024-06-01T12:00:00Z", "1970-01-01T00:00:00Z", "9999-12-31T23:59:59Z"};
+const Texts kInputs{"", "0005", "01ff"};
+const Texts kVersions{"1.2.3.4", "0.0.0.0", "65535.65535.65535.65535", "3.1.0.8"};
+const Texts kCodes{"0x80070005", "0xFFFFFFFF", "0x1", "0x80041010"};
+const Texts kLines{"A machine", "\xC3\xA9\xC2\x9B", "C:\\x"};
+const Texts kDates{"2021-05-06", "1980-00-00", "2107-15-31"};
+
 // What the library asks of a machine, word for word: an answer to anything else is never given.
 const Texts kArguments{
     "1,7,1 slot 0",
@@ -53,7 +60,7 @@ const Texts kArguments{
     "5",
 };
 
-// The texts for a key, or for the names that an object's additional members have by their definition.
+// The texts for a key or a definition, or for the names of an object's additional members of this definition.
 struct Pool {
   std::string_view key;
   const Texts& texts;
@@ -63,6 +70,14 @@ const Pool kPools[] = {
     {"#/$defs/namespace", kNamespaces},
     {"#/$defs/class", kClasses},
     {"#/$defs/property", kProperties},
+    {"#/$defs/version", kVersions},
+    {"#/$defs/hexCode", kCodes},
+    {"#/$defs/line", kLines},
+    {"description", kLines},
+    {"source", kLines},
+    {"now", kTimes},
+    {"input", kInputs},
+    {"manufactureDate", kDates},
     {"systemMessages", kMessages},
     {"namespace", kNamespaces},
     {"argument", kArguments},
@@ -91,6 +106,13 @@ const Texts kWords{"Enable",
                    "1970-01-01T00:00:00Z",
                    "<r i=\"6\">4</r>",
                    "Adaptive Battery Extender Status"};
+
+// Null for what may have any text.
+const Texts* FindPool(const std::string& key) {
+  const auto* const pool =
+      std::find_if(std::begin(kPools), std::end(kPools), [&key](const Pool& entry) { return entry.key == key; });
+  return pool != std::end(kPools) ? &pool->texts : nullptr;
+}
 
 const Value& Schema() {
   static const Value schema = [] {
@@ -134,7 +156,8 @@ class MachineMaker {
     const std::string reference = TextOf(schema["$ref"]);
     if (!reference.empty()) {
       const std::string name = reference.substr(reference.rfind('/') + 1);
-      return name == "blockHex" ? Hex(128) : Make(Schema()["$defs"][name], key);
+      return name == "blockHex" ? Hex(128)
+                                : Make(Schema()["$defs"][name], FindPool(reference) != nullptr ? reference : key);
     }
     const Array types = ItemsOf(schema["type"]);
     return MakeOfType(types.empty() ? TextOf(schema["type"]) : TextOf(PickOf(types)), schema, key);
@@ -178,10 +201,8 @@ class MachineMaker {
   }
 
   Value MakeText(const Value& schema, const std::string& key) {
-    const auto* const pool =
-        std::find_if(std::begin(kPools), std::end(kPools), [&key](const Pool& entry) { return entry.key == key; });
-    if (pool != std::end(kPools)) {
-      return PickOf(pool->texts);
+    if (const Texts* const texts = FindPool(key)) {
+      return PickOf(*texts);
     }
     if (choices_.ConsumeBool()) {
       return PickOf(kWords);
