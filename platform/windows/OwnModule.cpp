@@ -22,12 +22,20 @@ HMODULE OwnHandle() {
   return GetModuleHandleExW(kFlags, kOwnText, &module) != FALSE ? module : nullptr;
 }
 
-// Without a handle the system would answer with the path of the host.
+// Without a handle the system would answer with the path of the host. A path that fills the buffer was cut. The first
+// buffer does for nearly all: the longest would stay in the memory of a host that loads the library again and again,
+// where the runtime keeps its reserve for exceptions in the place that it leaves.
 std::wstring WidePath() {
-  constexpr std::size_t kLongestPath = 32767;
   const HMODULE module = OwnHandle();
-  std::wstring path(module != nullptr ? kLongestPath + 1 : 0, L'\0');
-  path.resize(module != nullptr ? GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())) : 0);
+  std::wstring path(module != nullptr ? MAX_PATH : 0, L'\0');
+  while (module != nullptr) {
+    const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+    if (length < path.size()) {
+      path.resize(length);
+      break;
+    }
+    path.resize(2 * path.size());
+  }
   return path;
 }
 

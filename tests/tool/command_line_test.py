@@ -88,7 +88,9 @@ class HelpTest(ToolTest):
                     self.assertIn(done.returncode, (0, 1, 2), done.stderr)
                     if done.returncode == 2:
                         self.assertIn(part, done.stderr)
-                    self.assertEqual(os.listdir(temporary), [])
+                    # Wine keeps its server's socket in a folder of its own there.
+                    left = [name for name in os.listdir(temporary) if not name.startswith("wine-")]
+                    self.assertEqual(left, [])
 
     def test_help_names_the_commands(self):
         done = self.run_tool("--help")

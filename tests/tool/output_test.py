@@ -10,7 +10,9 @@ import argparse
 import json
 import os
 import pathlib
+import re
 import resource
+import shutil
 import signal
 import stat
 import subprocess
@@ -38,8 +40,9 @@ class OutputCase(unittest.TestCase):
     def names(self):
         return sorted(os.listdir(self.folder.name))
 
-    def run_tool(self, *arguments, **more):
-        return subprocess.run([TOOL, *map(str, arguments)], check=False, timeout=60, **{"capture_output": True, **more})
+    def run_tool(self, *arguments, tool=None, **more):
+        return subprocess.run([tool or TOOL, *map(str, arguments)], check=False, timeout=60,
+                              **{"capture_output": True, **more})
 
     def write(self, *arguments, **more):
         """Writes a recording to the target, or to another --output."""
@@ -56,6 +59,16 @@ class OutputCase(unittest.TestCase):
 
 
 class RightsTest(OutputCase):
+    def tool_for_all(self):
+        """How to run a copy of the tool that every user reaches, wherever it was built."""
+        folder = self.path("bin")
+        folder.mkdir()
+        tool = shutil.copy(TOOL, folder)
+        needed = subprocess.run(["ldd", TOOL], check=True, capture_output=True, text=True).stdout
+        for library in re.findall(r"libnorv-battery-info\S* => (\S+)", needed):
+            shutil.copy(library, folder)
+        return {"tool": tool, "env": {**os.environ, "LD_LIBRARY_PATH": str(folder)}}
+
     def rights(self):
         return stat.S_IMODE(self.target.stat().st_mode)
 
@@ -88,7 +101,7 @@ class RightsTest(OutputCase):
         self.target.write_text("before", encoding="ascii")
         os.chown(self.target, 1234, 4321)
         self.target.chmod(0o664)
-        self.assert_written(self.write(user=2345, group=2345, extra_groups=[]))
+        self.assert_written(self.write(**self.tool_for_all(), user=2345, group=2345, extra_groups=[]))
         self.assertEqual((self.target.stat().st_uid, self.target.stat().st_gid, self.rights()), (2345, 2345, 0o604))
 
 
