@@ -23,7 +23,9 @@ None() {
 Format() { Sources | xargs -r clang-format --dry-run -Werror; }
 
 # The compile commands of clang, with nothing precompiled: each source has to include what it uses.
-CompileCommands() { cmake -S . -B "$work" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_EXPORT_COMPILE_COMMANDS=ON; }
+CompileCommands() {
+  cmake -S . -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+}
 
 Tidy() { tests/lint/tidy.py "$work" "$@"; }
 
@@ -76,6 +78,13 @@ CIncludes() {
   [[ -z $others ]] || { printf 'the C header includes more than it may:\n%s\n' "$others"; return 1; }
 }
 
+# A conflict that was not settled, in whatever file.
+ConflictMarkers() {
+  local found
+  found=$(grep -rnIE '^(<{7}|\|{7}|>{7}) ' --exclude-dir=.git --exclude-dir=.deps --exclude-dir=build . || true)
+  [[ -z $found ]] || { printf 'markers of a conflict:\n%s\n' "$found"; return 1; }
+}
+
 ShellScripts() { grep -rlE '^#!/usr/bin/env bash' dev .ci tests tools simulator cmake 2>/dev/null; }
 ShellSyntax() { ShellScripts | xargs -n 1 bash -n; }
 ShellCheck() { ShellScripts | xargs shellcheck -x; }
@@ -87,6 +96,8 @@ Check "the tool includes installed headers only" ToolIncludes || true
 Check "public headers include the standard library only" PublicIncludes || true
 Check "the C header includes three standard headers only" CIncludes || true
 Check "no condition on the operating system outside its two places" SystemConditions || true
+Check "no marker of a conflict" ConflictMarkers || true
+Check "links of the pages" python3 -B tests/docs/links.py . || true
 Check "shell scripts: syntax" ShellSyntax || true
 Check "shell scripts: shellcheck" ShellCheck || true
 if Check "compile commands for clang" CompileCommands; then

@@ -38,7 +38,7 @@ Has() {
 
 readonly kEverywhere=(include/battery/NorvBatteries.h include/norv/platform/Platform.h include/norv/shared/error/Error.h
                       include/norv/simulator/SimulatedMachine.h share/norv-battery-info/machines/two-batteries.json
-                      'share/doc/*/README.md' 'share/doc/*/tool.md' 'lib*/cmake/norv-battery-info/*-config.cmake')
+                      'share/doc/*/README.md' 'share/doc/*/docs/tool.md' 'lib*/cmake/norv-battery-info/*-config.cmake')
 
 # Reports as COMMAND ... prints them, against the one kept.
 Reports() {
@@ -48,9 +48,11 @@ Reports() {
 Check "the archive for Linux" Pack "$linux" tar.gz || true
 Check "Linux: has what belongs in it" Has "$work/tar.gz" "${kEverywhere[@]}" bin/norv-battery \
   'lib*/libnorv-battery-info.so' 'lib*/libnorv-battery-simulator.a' || true
+Check "Linux: the links of its pages" python3 -B "$root/tests/docs/links.py" "$work/tar.gz" || true
 Check "Linux: the tool reports" Reports "$work"/tar.gz/*/bin/norv-battery || true
 Check "the archive for Windows" Pack "$windows" zip || true
 Check "Windows: has what belongs in it" Has "$work/zip" "${kEverywhere[@]}" bin/norv-battery.exe bin/norv-battery-info.dll \
   lib/libnorv-battery-info.dll.a lib/libnorv-battery-simulator.a || true
+Check "Windows: the links of its pages" python3 -B "$root/tests/docs/links.py" "$work/zip" || true
 Check "Windows: the tool reports" Reports "$root/cmake/toolchains/wine.sh" "$work"/zip/*/bin/norv-battery.exe || true
 Summary
