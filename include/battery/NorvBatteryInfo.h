@@ -70,7 +70,7 @@ class NORV_BATTERY_API NorvBatteryInfo {
   // Writes the voltages of cells 1 to 4, four ints, to `voltages`, where the caller has room for four.
   virtual void GetCellVoltages(int* voltages);
 
-  // The day the battery was made, "2021-05-06T00:00:00+00:00"; empty when the firmware's date does not exist.
+  // The day the battery was made, "2021-05-06T00:00:00+00:00"; empty without a month of 1 to 12 and a day of 1 to 31.
   virtual const char* GetManufacturingDate();
 
   // What the letters and digits of the manufacturer text mean. All but GetCalibrationType and GetOverCurrentProtection

@@ -20,12 +20,6 @@ jobs=$(nproc)
 readonly jobs
 readonly plogPrefix=$root/.deps/usr
 
-# The program that the README shows: its first block of C++.
-ReadmeProgram() {
-  awk '/^```cpp$/ { inside = 1; next } /^```$/ && inside { exit } inside' "$root/README.md" >"$work/readme.cpp"
-  [[ -s $work/readme.cpp ]]
-}
-
 # InstallLibrary COMPILER BUILD-TYPE SIMULATOR: into $work/COMPILER-BUILD-TYPE/prefix, emptied first so that no file of an
 # earlier version helps out.
 InstallLibrary() {
@@ -42,7 +36,7 @@ BuildHosts() {
   local folder=$work/$1-$2
   rm -rf "$folder/host"
   CXX=$1 cmake -S "$here" -B "$folder/host" -DCMAKE_BUILD_TYPE="$2" -DCMAKE_PREFIX_PATH="$folder/prefix;$plogPrefix" \
-    -DNORV_BATTERY_README_PROGRAM="$work/readme.cpp" -DNORV_BATTERY_CONSUMER_SIMULATOR="$3" &&
+    -DNORV_BATTERY_CONSUMER_SIMULATOR="$3" &&
     cmake --build "$folder/host" -j "$jobs"
 }
 
@@ -78,21 +72,12 @@ HeadersAlone() {
   [[ $status == 0 && -e $prefix/include/battery/NorvBatteries.h ]]
 }
 
-# Without batteries the README's program says why; on any machine it ends well.
-ReadmeRuns() {
-  local output
-  output=$("$1/host/readme") || return
-  printf '%s\n' "$output"
-  grep -q 'PrivateBiosWMI error' <<<"$output"
-}
-
 RunHosts() {
   local name=$1 folder=$work/$1 simulator=$2 case
   for case in $("$folder/host/host"); do
     Check "$name: $case" "$folder/host/host" "$case" || true
   done
   Check "$name: unloads-cleanly" "$folder/host/loader" "$(LibraryFolder "$folder/prefix")/libnorv-battery-info.so" || true
-  Check "$name: the program of the README" ReadmeRuns "$folder" || true
   if [[ $simulator == ON ]]; then
     Check "$name: reads a simulated machine" "$folder/host/simulated" || true
     Check "$name: the installed tool finds the library beside it" InstalledTool "$folder/prefix" || true
@@ -116,7 +101,6 @@ Try() {
   RunHosts "$name" "$3"
 }
 
-Check "the README shows a host program" ReadmeProgram || true
 if [[ -n $given ]]; then
   Try InstallGiven g++ Release ON
 else
