@@ -279,7 +279,7 @@ enum norv_battery_state {
   NORV_BATTERY_VALUE = 0,
   NORV_BATTERY_ABSENT = 1,  /* there is none: an empty text, no cell swell protection data, no battery test */
   NORV_BATTERY_UNKNOWN = 2, /* the firmware gave a code without a meaning */
-  NORV_BATTERY_INVALID = 3  /* no such thing can be: a date that does not exist, a wrong size, a divisor of zero */
+  NORV_BATTERY_INVALID = 3  /* no such thing can be: a date with a month of 15, a wrong size, a divisor of zero */
 };
 
 /* Where a field comes from. */

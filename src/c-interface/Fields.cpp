@@ -68,7 +68,7 @@ Answer Meaning(const Record& record) {
   return TextAnswer(text, text == "UNKNOWN" ? NORV_BATTERY_UNKNOWN : NORV_BATTERY_VALUE);
 }
 
-// A date that does not exist comes out empty.
+// A month of 0 or above 12, or a day of 0, makes it empty. No day is held against its month: 31 February stands.
 template <auto kGet>
 Answer Date(const Record& record) {
   const std::string text = std::invoke(kGet, *record.info);
