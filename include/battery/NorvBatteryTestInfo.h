@@ -11,8 +11,8 @@ namespace norv::shared::battery {
 
 // Runs the program "BatteryTest.exe" that lies beside the library and keeps the verdict of its last run.
 //
-// A run throws nothing. An object is used by one thread at a time. A copy shares the
-// version text with its source: a later run of either changes what both report.
+// A run throws nothing. An object is used by one thread at a time. A copy shares the version text with its source: a
+// later run of either changes what both report.
 class NORV_BATTERY_API NorvBatteryTestInfo {
  public:
   // No verdict yet: result -1, label "NOT_DEFINED", version "0.0.0.0", no error.
@@ -31,11 +31,13 @@ class NORV_BATTERY_API NorvBatteryTestInfo {
   // object and its copies are gone.
   virtual const char* GetBatteryTestVersion() const;
 
-  // The last failure. A later success does not clear it.
+  // The last failure. A later success does not clear it. The reference is valid until the object is destroyed, and
+  // always shows the newest failure; a copy of the Error keeps one.
   virtual const error::Error& GetError() const;
 
   // Runs the test program and waits for its end, without a time limit. Afterwards the result code is the status that
-  // the program reported, or -1; what failed is in GetError() where this object and not the report was at fault.
+  // the program reported, or -1. What failed is in GetError() where the program could not be started; a report that is
+  // missing or has no status leaves GetError() as it was.
   virtual void RunBatteryTest();
 
  protected:
@@ -44,8 +46,6 @@ class NORV_BATTERY_API NorvBatteryTestInfo {
   virtual bool RetrieveTestResultVersion(const char* programPath);
 
  private:
-  int RunProgramAndReadStatus();
-
   std::shared_ptr<std::string> version_;
   int result_;
   error::Error error_;

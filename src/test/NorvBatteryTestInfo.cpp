@@ -45,6 +45,15 @@ const char* Doubt(const std::string& library) {
   return isCut ? "the path of the library is longer than 259 characters" : nullptr;
 }
 
+// A program that need not be the library's own is not to be started, and the log says why.
+bool IsBesideLibrary(const std::string& library) {
+  const char* const doubt = Doubt(library);
+  if (doubt != nullptr) {
+    Log(Severity::Error, kRun, {"BatteryTest.exe is not started: ", doubt});
+  }
+  return doubt == nullptr;
+}
+
 // The test program lies beside the library.
 std::string TestProgramPath(const std::string& library) {
   return library.substr(0, library.find_last_of("\\/")) + "\\BatteryTest.exe";
@@ -86,34 +95,27 @@ void NorvBatteryTestInfo::RunBatteryTest() {
   Log(Severity::Info, kRun, {"Started ", kRun, " "});
   int status = kNoVerdict;
   diagnostics::Guarded(error_, kRun, [this, &status] {
-    status = RunProgramAndReadStatus();
+    const std::string library = LibraryPath<kPathSize>();
+    const std::string program = TestProgramPath(library);
+    Log(Severity::Info, kRun, {"BatteryTest exe path = ", program});
+    const bool isBesideLibrary = IsBesideLibrary(library);
+    if (!RetrieveTestResultVersion(program.c_str())) {
+      Report(error_, ValueError<int>(0, "Error getting version of BatteryTest.exe", kRun), kRun);
+      return false;
+    }
+    NorvBatteryTestXmlParser parser;
+    if (!isBesideLibrary || !parser.GenerateBatteryTestXMLReport(program.c_str())) {
+      Report(error_, ValueError<int>(0, "Error parsing the BatteryTest XML report", kRun), kRun);
+      return false;
+    }
+    // What goes wrong with the report stays with its parser: the status is then -1, and this object has no failure of
+    // its own.
+    status = parser.GetBatteryStatusFromXMLReport(nullptr);
     return true;
   });
   Log(Severity::Info, kRun, {"battery_status = ", std::to_string(status)});
   Log(Severity::Info, kRun, {"Finished ", kRun, " "});
   result_ = status;
-}
-
-// What goes wrong with the report stays with its parser: the status is then -1 and this object has no failure of its
-// own.
-int NorvBatteryTestInfo::RunProgramAndReadStatus() {
-  const std::string library = LibraryPath<kPathSize>();
-  const std::string program = TestProgramPath(library);
-  Log(Severity::Info, kRun, {"BatteryTest exe path = ", program});
-  const char* const doubt = Doubt(library);
-  if (doubt != nullptr) {
-    Log(Severity::Error, kRun, {"BatteryTest.exe is not started: ", doubt});
-  }
-  if (!RetrieveTestResultVersion(program.c_str())) {
-    Report(error_, ValueError<int>(0, "Error getting version of BatteryTest.exe", kRun), kRun);
-    return kNoVerdict;
-  }
-  NorvBatteryTestXmlParser parser;
-  if (doubt != nullptr || !parser.GenerateBatteryTestXMLReport(program.c_str())) {
-    Report(error_, ValueError<int>(0, "Error parsing the BatteryTest XML report", kRun), kRun);
-    return kNoVerdict;
-  }
-  return parser.GetBatteryStatusFromXMLReport(nullptr);
 }
 
 bool NorvBatteryTestInfo::RetrieveTestResultVersion(const char* programPath) {

@@ -1,6 +1,7 @@
 #include "battery/NorvBatteryTestXmlParser.h"
 
-#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -13,6 +14,7 @@
 
 namespace norv::shared::battery {
 
+using diagnostics::Guarded;
 using diagnostics::Report;
 using diagnostics::ValueError;
 using test::kNoVerdict;
@@ -29,6 +31,15 @@ constexpr const char* kReportFile = "/Quellbrook/Tavenhall/Resources/Temp/Batter
 // The row of the report that holds the battery's status.
 constexpr const char* kRowElement = "r";
 constexpr const char* kStatusRow = " i=\"6\"";
+
+// The number that `text` begins with. Nothing without one, or for one that is out of range.
+std::optional<int> ToNumber(const std::string& text) {
+  try {
+    return std::stoi(text);
+  } catch (const std::logic_error&) {
+    return std::nullopt;
+  }
+}
 
 }  // namespace
 
@@ -51,37 +62,45 @@ const error::Error& NorvBatteryTestXmlParser::GetError() const {
 }
 
 bool NorvBatteryTestXmlParser::GenerateBatteryTestXMLReport(const char* programPath) {
-  auto& platform = platform::Platform::Current();
-  if (platform.RunProgram(programPath)) {
-    return true;
-  }
-  Report(error_, ValueError<unsigned long>(platform.LastSystemCode(), "CreateProcess failed", kGenerate), kGenerate);
-  return false;
+  return Guarded(error_, kGenerate, [this, programPath] {
+    auto& platform = platform::Platform::Current();
+    if (platform.RunProgram(programPath)) {
+      return true;
+    }
+    const std::uint32_t code = platform.LastSystemCode();
+    Report(error_, ValueError<unsigned long>(code, "CreateProcess failed", kGenerate), kGenerate);
+    return false;
+  });
 }
 
 int NorvBatteryTestXmlParser::GetBatteryStatusFromXMLReport(const char* xmlText) {
-  if (xmlText == nullptr) {
-    const auto folder = platform::Platform::Current().ProgramDataFolder();
-    if (!folder) {
-      error_ = ValueError<int>(0, "Unable to get path to ProgramData", kReadStatus);
-      return kNoVerdict;
+  int status = kNoVerdict;
+  Guarded(error_, kReadStatus, [this, xmlText, &status] {
+    const char* report = xmlText;
+    if (report == nullptr) {
+      const auto folder = platform::Platform::Current().ProgramDataFolder();
+      if (!folder) {
+        error_ = ValueError<int>(0, "Unable to get path to ProgramData", kReadStatus);
+        return false;
+      }
+      unsigned long systemError = 0;
+      report = GetFileXMLData((*folder + kReportFile).c_str(), &systemError);
+      if (systemError != 0) {
+        return false;
+      }
     }
-    unsigned long systemError = 0;
-    xmlText = GetFileXMLData((*folder + kReportFile).c_str(), &systemError);
-    if (systemError != 0) {
-      return kNoVerdict;
+    const std::string value = GetParseData(report, kRowElement, kStatusRow);
+    if (value.empty()) {
+      return false;
     }
-  }
-  const std::string value = GetParseData(xmlText, kRowElement, kStatusRow);
-  if (value.empty()) {
-    return kNoVerdict;
-  }
-  try {
-    return std::stoi(value);
-  } catch (const std::logic_error&) {  // no digits, or out of range
-    Report(error_, ValueError<int>(0, "Battery Status contains non-integer value", kReadStatus), kReadStatus);
-    return kNoVerdict;
-  }
+    const std::optional<int> number = ToNumber(value);
+    if (!number) {
+      Report(error_, ValueError<int>(0, "Battery Status contains non-integer value", kReadStatus), kReadStatus);
+    }
+    status = number.value_or(kNoVerdict);
+    return number.has_value();
+  });
+  return status;
 }
 
 // A second file is read behind the first. Whoever may write below the folder for program data may have laid anything

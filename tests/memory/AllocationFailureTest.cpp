@@ -197,17 +197,22 @@ TEST(AllocationFailure, NeverLeavesARunOfTheTest) {
   EXPECT_GT(onRecord, 0U);
 }
 
-TEST(AllocationFailure, OfAParserIsTheHostsToCatch) {
+TEST(AllocationFailure, OfAConstructionIsTheHostsToCatch) {
+  EXPECT_GT(FailEach([] { const NorvBatteryTestXmlParser parser; }, [](bool /*threw*/) {}), 0U);
+  EXPECT_GT(FailEach([] { const NorvBatteryTestInfo info; }, [](bool /*threw*/) {}), 0U);
+}
+
+TEST(AllocationFailure, NeverLeavesAParser) {
   const auto machine = Machine();
   machine->AsPlatform().RunProgram("C:\\Program Files\\Norv\\BatteryTest.exe");
-  const std::vector<std::function<void()>> actions{
-      [] { NorvBatteryTestXmlParser().GetBatteryStatusFromXMLReport(nullptr); },
-      [] { NorvBatteryTestXmlParser().GetBatteryStatusFromXMLReport("<r i=\"6\">no number in here at all</r>"); },
-      [] { NorvBatteryTestXmlParser().GenerateBatteryTestXMLReport("C:\\nowhere\\at\\all\\BatteryTest.exe"); },
-      [] { NorvBatteryTestInfo(); },
+  const std::vector<std::function<void(NorvBatteryTestXmlParser&)>> actions{
+      [](auto& parser) { parser.GetBatteryStatusFromXMLReport(nullptr); },
+      [](auto& parser) { parser.GetBatteryStatusFromXMLReport("<r i=\"6\">no number in here at all</r>"); },
+      [](auto& parser) { parser.GenerateBatteryTestXMLReport("C:\\nowhere\\at\\all\\BatteryTest.exe"); },
   };
   for (const auto& action : actions) {
-    EXPECT_GT(FailEach(action, [](bool /*threw*/) {}), 0U);
+    NorvBatteryTestXmlParser parser;
+    EXPECT_GT(FailEach([&] { action(parser); }, [](bool threw) { EXPECT_FALSE(threw); }), 0U);
   }
 }
 

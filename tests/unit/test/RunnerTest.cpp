@@ -226,17 +226,36 @@ TEST(Runner, ReadsTheVersionThroughTheVirtualTable) {
   EXPECT_STREQ(info.GetBatteryTestVersion(), "0.0.0.0");
 }
 
+void RunWithThrowing(const char* operation, const char* thrown, NorvBatteryTestInfo& info) {
+  const auto machine =
+      Machine(std::string(R"("testProgram": {"version": "1.2.3.4", "status": 0}, "faults": [{"operation": ")") +
+              operation + R"(", "throws": ")" + thrown + R"("}])");
+  EXPECT_NO_THROW(info.RunBatteryTest());
+  EXPECT_EQ(info.GetBatteryTestResult(), -1);
+}
+
 TEST(Runner, NoExceptionLeavesARun) {
-  for (const char* operation : {"LibraryPath", "ReadProductVersion", "RunProgram", "ProgramDataFolder"}) {
-    const auto machine =
-        Machine(std::string(R"("testProgram": {"version": "1.2.3.4", "status": 0}, "faults": [{"operation": ")") +
-                operation + R"(", "throws": "runtime_error"}])");
+  for (const char* operation : {"LibraryPath", "ReadProductVersion"}) {
     NorvBatteryTestInfo info;
-    EXPECT_NO_THROW(info.RunBatteryTest());
-    EXPECT_EQ(info.GetBatteryTestResult(), -1);
+    RunWithThrowing(operation, "runtime_error", info);
     EXPECT_TRUE(
         IsError(info.GetError(), ErrorCategory::StandardException, 1, "injected fault", "std::runtime_error", kRun))
         << operation;
+  }
+}
+
+TEST(Runner, AProgramWhoseStartThrowsCouldNotBeStarted) {
+  NorvBatteryTestInfo info;
+  RunWithThrowing("RunProgram", "runtime_error", info);
+  EXPECT_TRUE(
+      IsError(info.GetError(), ErrorCategory::Value, 0, "Error parsing the BatteryTest XML report", "int", kRun));
+}
+
+TEST(Runner, WhatTheReportsReadingThrowsIsNoFailureOfTheRunners) {
+  for (const char* thrown : {"runtime_error", "bad_alloc", "int"}) {
+    NorvBatteryTestInfo info;
+    RunWithThrowing("ProgramDataFolder", thrown, info);
+    EXPECT_FALSE(info.GetError()) << thrown;
   }
 }
 

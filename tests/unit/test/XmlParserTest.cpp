@@ -216,6 +216,31 @@ TEST(TestProgram, ThatCannotBeStartedGivesTheSystemsCode) {
   EXPECT_THAT(log.Lines(), ElementsAre(LogLine{plog::error, kGenerate, TextForm(parser.GetError())}));
 }
 
+TEST(TestProgram, ANullPointerNamesNone) {
+  for (const bool isSimulated : {false, true}) {
+    const auto machine = isSimulated ? SimulatedMachine::FromText(R"({"description": "test"})", "here") : nullptr;
+    NorvBatteryTestXmlParser parser;
+    EXPECT_NO_THROW(EXPECT_FALSE(parser.GenerateBatteryTestXMLReport(nullptr)));
+    EXPECT_STREQ(parser.GetError().GetMessageText(), "CreateProcess failed");
+  }
+}
+
+TEST(Parser, LetsNoExceptionOut) {
+  const auto machine = SimulatedMachine::FromText(
+      R"({"description": "test", "faults": [{"operation": "RunProgram", "throws": "bad_alloc"},
+                                            {"operation": "ProgramDataFolder", "throws": "runtime_error"}]})",
+      "here");
+  NorvBatteryTestXmlParser parser;
+  LogCapture log;
+  EXPECT_NO_THROW(EXPECT_FALSE(parser.GenerateBatteryTestXMLReport("C:\\BatteryTest.exe")));
+  EXPECT_TRUE(
+      IsError(parser.GetError(), ErrorCategory::StandardException, 1, "std::bad_alloc", "std::bad_alloc", kGenerate));
+  EXPECT_NO_THROW(EXPECT_EQ(parser.GetBatteryStatusFromXMLReport(nullptr), -1));
+  EXPECT_TRUE(IsError(parser.GetError(), ErrorCategory::StandardException, 1, "injected fault", "std::runtime_error",
+                      kReadStatus));
+  EXPECT_EQ(log.Lines().size(), 2U);
+}
+
 TEST(ParserCopies, ShareTheirTexts) {
   NorvBatteryTestXmlParser source;
   NorvBatteryTestXmlParser copied(source);
