@@ -31,10 +31,10 @@ void ThrowSystemError(const Thrown& thrown) {
   throw std::system_error(code, thrown.text);
 }
 
-// A thrown pointer has no owner, so that what it points to has to stay.
+// A thrown pointer has no owner, so that what it points to has to stay, to the very end of the process.
 void ThrowText(const Thrown& thrown) {
   static std::mutex mutex;
-  static std::set<std::string> texts;
+  static auto& texts = *new std::set<std::string>;
   const char* text = nullptr;
   {
     const std::lock_guard lock(mutex);

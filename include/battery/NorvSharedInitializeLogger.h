@@ -17,5 +17,6 @@ class IAppender;
 // and as its object the file name of the library's module (a zero-terminated const wchar_t text).
 //
 // Only the first call decides severity and appender. Every later call makes each record arrive once more, so a host
-// calls it once. The library's logger is its own: it shares nothing with a plog logger of the host.
+// calls it once. The library's logger is its own: it shares nothing with a plog logger of the host. At the end of the
+// process it may be gone before a host's own static objects are; nothing is logged from then on.
 extern "C" NORV_BATTERY_API void norvSharedInitializeLogger(unsigned int maxSeverity, plog::IAppender* appender);

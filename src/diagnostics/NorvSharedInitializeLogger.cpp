@@ -19,7 +19,10 @@ void AttachAppender(plog::Severity maxSeverity, plog::IAppender* target) {
   static const std::wstring moduleName = Platform::Current().ModuleName();
   static ComponentAppender appender(moduleName, target);
   static plog::Logger<PLOG_DEFAULT_INSTANCE_ID> logger(maxSeverity);
-  logger.addAppender(&appender);
+  // A host's own static objects may call when the logger is gone, and with it its registration.
+  if (plog::get<PLOG_DEFAULT_INSTANCE_ID>() != nullptr) {
+    logger.addAppender(&appender);
+  }
 }
 
 }  // namespace

@@ -12,16 +12,26 @@ namespace {
 
 thread_local bool isLeftOut = false;
 
+// Plain data, which outlives the kept question: a host's own static objects may ask when that is gone.
+bool isKeptQuestionGone = false;
+
+struct Question {
+  Question() = default;
+  Question(const Question&) = delete;
+  Question& operator=(const Question&) = delete;
+  ~Question() { isKeptQuestionGone = true; }
+
+  std::wstring namespacePath = L"\\\\.\\root\\wmi";
+  std::wstring query = L"SELECT * FROM BatteryStatus";
+};
+
 // Counts successful reads, not properties: it stops at an object after which they are exactly two, wherever they came
 // from, and otherwise goes on to the last object. A later object overwrites an earlier one.
-Rates Query() {
+Rates Ask(const Question& question) {
   constexpr int kEnoughReads = 2;
   Rates rates;
-  // Kept, because every record asks the same: made anew each time they would take most of a record's memory requests.
-  static const std::wstring namespacePath = L"\\\\.\\root\\wmi";
-  static const std::wstring query = L"SELECT * FROM BatteryStatus";
-  wmi::WMIClient client(namespacePath);
-  if (client.Query(query) != 0) {
+  wmi::WMIClient client(question.namespacePath);
+  if (client.Query(question.query) != 0) {
     return rates;
   }
   int reads = 0;
@@ -37,6 +47,15 @@ Rates Query() {
     }
   }
   return rates;
+}
+
+// Every record asks the same: made anew each time the question would take most of a record's memory requests.
+Rates Query() {
+  if (isKeptQuestionGone) {
+    return Ask(Question());
+  }
+  static const Question kept;
+  return Ask(kept);
 }
 
 }  // namespace
