@@ -21,9 +21,9 @@ ScopedRemarkListener::~ScopedRemarkListener() {
   currentListener = previous_;
 }
 
-void Remark(std::string_view remark) {
+void Remark(RemarkKind kind, std::string_view remark) {
   if (currentListener != nullptr) {
-    currentListener->Hear(remark);
+    currentListener->Hear(kind, remark);
   }
 }
 

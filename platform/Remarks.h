@@ -1,9 +1,11 @@
-// How a platform tells that an answer is not quite what the system told.
+// How a platform tells what its answers do not: that one is not quite what the system told, or why there is none.
 #pragma once
 
 #include <string_view>
 
 namespace norv::platform {
+
+enum class RemarkKind { Note, Failure };
 
 // Hears what a platform remarks. A platform does not log: who asks it puts a listener in place and does that.
 class RemarkListener {
@@ -14,7 +16,7 @@ class RemarkListener {
   virtual ~RemarkListener();
 
   // One line of text. Not to throw.
-  virtual void Hear(std::string_view remark) = 0;
+  virtual void Hear(RemarkKind kind, std::string_view remark) = 0;
 };
 
 // Lets a listener hear what platforms remark on this thread for as long as the scope lives, then puts the one before it
@@ -31,6 +33,6 @@ class ScopedRemarkListener {
 };
 
 // Tells the listener, if there is one.
-void Remark(std::string_view remark);
+void Remark(RemarkKind kind, std::string_view remark);
 
 }  // namespace norv::platform

@@ -227,7 +227,7 @@ std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::u
   std::copy(filled.block.begin(), filled.block.end(), output);
   *returnCode = access::kSuccess;
   for (const std::string& complaint : filled.complaints) {
-    Remark("Battery index " + std::to_string(*input) + ": " + complaint);
+    Remark(RemarkKind::Note, "Battery index " + std::to_string(*input) + ": " + complaint);
   }
   return 0;
 }

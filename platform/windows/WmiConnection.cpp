@@ -3,10 +3,12 @@
 #include <wbemidl.h>
 #include <windows.h>
 
+#include <string>
 #include <utility>
 
 #include "ComOwners.h"
 #include "ComUse.h"
+#include "Remarks.h"
 
 namespace norv::platform::windows {
 
@@ -32,7 +34,7 @@ std::string ToUtf8(const wchar_t* text, UINT size) {
 
 class ComConnection : public WmiConnection {
  public:
-  explicit ComConnection(std::chrono::milliseconds patience) : patience_(static_cast<LONG>(patience.count())) {}
+  explicit ComConnection(Patience patience) : patience_(patience) {}
 
   HRESULT Open(const std::wstring& namespacePath) {
     if (FAILED(com_.Result())) {
@@ -63,12 +65,13 @@ class ComConnection : public WmiConnection {
     first_.Reset();
     current_.Reset();
     objects_.Reset();
+    query_ = wql;
     HRESULT result =
         services_->ExecQuery(BasicString(L"WQL").Get(), BasicString(wql).Get(),
                              WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, objects_.Receive());
     if (SUCCEEDED(result) && objects_) {
       AllowImpersonation(objects_.Get());
-      result = Fetch(first_);
+      result = Fetch(first_, patience_.firstObject);
     }
     return FAILED(result) ? result : 0;
   }
@@ -78,7 +81,7 @@ class ComConnection : public WmiConnection {
     if (first_) {
       current_ = std::move(first_);
     } else if (objects_) {
-      Fetch(current_);
+      Fetch(current_, patience_.nextObject);
     }
     return static_cast<bool>(current_);
   }
@@ -118,15 +121,17 @@ class ComConnection : public WmiConnection {
  private:
   // Takes the next object of the query; null when there is none. A query that has ended, failed or waited too long
   // gives no further one. The code of a failure, also that of the wait; S_OK otherwise, be there an object or not.
-  HRESULT Fetch(ComPointer<IWbemClassObject>& object) {
+  HRESULT Fetch(ComPointer<IWbemClassObject>& object, std::chrono::milliseconds patience) {
     ULONG count = 0;
-    const HRESULT result = objects_->Next(patience_, 1, object.Receive(), &count);
+    const HRESULT result = objects_->Next(static_cast<LONG>(patience.count()), 1, object.Receive(), &count);
     if (result == WBEM_S_NO_ERROR && count == 1 && object) {
       return S_OK;
     }
     object.Reset();
     objects_.Reset();
     if (result == WBEM_S_TIMEDOUT) {
+      Remark(RemarkKind::Failure, "WMI has not answered within " + std::to_string(patience.count()) +
+                                      " ms: " + ToUtf8(query_.data(), static_cast<UINT>(query_.size())));
       return static_cast<HRESULT>(WBEM_E_TIMED_OUT);
     }
     return FAILED(result) ? result : S_OK;
@@ -141,13 +146,13 @@ class ComConnection : public WmiConnection {
   ComPointer<IEnumWbemClassObject> objects_;  // null when the query has no further one
   ComPointer<IWbemClassObject> first_;        // fetched with the query and not moved to yet
   ComPointer<IWbemClassObject> current_;
-  LONG patience_;
+  std::wstring query_;
+  Patience patience_;
 };
 
 }  // namespace
 
-long ConnectWmi(const std::wstring& namespacePath, std::chrono::milliseconds patience,
-                std::unique_ptr<WmiConnection>& connection) {
+long ConnectWmi(const std::wstring& namespacePath, Patience patience, std::unique_ptr<WmiConnection>& connection) {
   auto opened = std::make_unique<ComConnection>(patience);
   const HRESULT result = opened->Open(namespacePath);
   if (FAILED(result)) {

@@ -4,10 +4,12 @@
 #include <cassert>
 #include <cstring>
 
+#include "Remarks.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
 #include "diagnostics/Failures.h"
 #include "diagnostics/Log.h"
+#include "diagnostics/RemarksToLog.h"
 #include "norv/shared/norvbios/PrivateBiosWmi.h"
 #include "test/ResultCodes.h"
 
@@ -52,6 +54,8 @@ NorvBatteries::NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, 
   }
   if (batteries_[0] != nullptr) {
     Guarded(error_, kConstructor, [this] {
+      diagnostics::RemarksToLog remarks(kConstructor);
+      const platform::ScopedRemarkListener listening(remarks);
       batteries_[0]->GetBiosBatterySettings();
       return true;
     });

@@ -2,7 +2,6 @@
 #include <exception>
 #include <memory>
 #include <string>
-#include <string_view>
 
 #include "Remarks.h"
 #include "access/BiosRead.h"
@@ -10,6 +9,7 @@
 #include "battery/NorvBatteryInfo.h"
 #include "diagnostics/Failures.h"
 #include "diagnostics/Log.h"
+#include "diagnostics/RemarksToLog.h"
 
 namespace norv::shared::battery {
 
@@ -32,12 +32,6 @@ error::Error InvalidIndexError(const char* operation) {
 error::Error ReturnCodeError(std::uint32_t returnCode, const char* message, const char* operation) {
   return ValueError<unsigned long>(returnCode, message, operation);
 }
-
-// What a platform remarks about an answer goes to the log.
-class RemarksToLog : public platform::RemarkListener {
- public:
-  void Hear(std::string_view remark) override { Log(Severity::Info, kReadInfo, {remark}); }
-};
 
 // Only the second slot may be empty without that being a failure.
 bool IsAbsentSecondBattery(unsigned char index, std::uint32_t returnCode) {
@@ -64,7 +58,7 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
       Report(error_, InvalidIndexError(kReadInfo), kReadInfo);
       return false;
     }
-    RemarksToLog remarks;
+    diagnostics::RemarksToLog remarks(kReadInfo);
     const platform::ScopedRemarkListener listening(remarks);
     const access::Answer answer = access::Ask(Channel(), access::Command::BatteryInformation, index);
     if (answer.channelStatus != 0) {

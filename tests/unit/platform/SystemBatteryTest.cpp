@@ -349,13 +349,45 @@ TEST(Remarks, GoToTheLog) {
   const LogLine expected{plog::info, "norv::shared::battery::NorvBatteries::ReadNorvBatteryInfo",
                          "Battery index 0: the design capacity 70000 does not fit: 65535 stands for it"};
   EXPECT_THAT(log.Lines(), testing::Contains(expected));
-  platform::Remark("nobody listens any more");
+  platform::Remark(platform::RemarkKind::Note, "nobody listens any more");
   EXPECT_EQ(log.Count("nobody listens any more"), 0U);
+}
+
+// The running system without WMI, which it remarks about.
+class NoWmi : public platform::PlatformWrapper {
+ public:
+  using PlatformWrapper::PlatformWrapper;
+
+  std::int32_t SendBiosCommand(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
+                               const unsigned char* /*input*/, std::uint32_t /*inputSize*/, unsigned char* /*output*/,
+                               std::uint32_t* returnCode) override {
+    *returnCode = 0;
+    return 0;
+  }
+  long ConnectWmi(const std::wstring& /*namespacePath*/,
+                  std::unique_ptr<platform::WmiConnection>& /*connection*/) override {
+    platform::Remark(platform::RemarkKind::Failure, "WMI has not answered");
+    return -1;
+  }
+};
+
+TEST(Remarks, OnFailuresAreErrorsInTheLogAlsoOfTheSettings) {
+  NoWmi machine(platform::Platform::Current());
+  const platform::ScopedPlatform scope(machine);
+  const LogCapture log;
+  const shared::battery::NorvBatteries batteries;
+  const std::string type = "norv::shared::battery::NorvBatteries::";
+  EXPECT_THAT(log.Lines(),
+              testing::Contains(LogLine{plog::error, type + "ReadNorvBatteryInfo", "WMI has not answered"}).Times(2))
+      << "the rates of two batteries";
+  EXPECT_THAT(log.Lines(),
+              testing::Contains(LogLine{plog::error, type + "NorvBatteries", "WMI has not answered"}).Times(2))
+      << "the board, the settings";
 }
 
 TEST(Remarks, GoToTheInnermostListener) {
   struct Keeper : platform::RemarkListener {
-    void Hear(std::string_view remark) override { heard.emplace_back(remark); }
+    void Hear(platform::RemarkKind /*kind*/, std::string_view remark) override { heard.emplace_back(remark); }
     std::vector<std::string> heard;
   };
   Keeper outer;
@@ -363,9 +395,9 @@ TEST(Remarks, GoToTheInnermostListener) {
   const platform::ScopedRemarkListener outerScope(outer);
   {
     const platform::ScopedRemarkListener innerScope(inner);
-    platform::Remark("one");
+    platform::Remark(platform::RemarkKind::Note, "one");
   }
-  platform::Remark("two");
+  platform::Remark(platform::RemarkKind::Note, "two");
   EXPECT_THAT(inner.heard, ElementsAre("one"));
   EXPECT_THAT(outer.heard, ElementsAre("two"));
 }
