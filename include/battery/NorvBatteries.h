@@ -35,17 +35,21 @@ class NORV_BATTERY_API NorvBatteries {
   // Reads slot 0, then slot 1. Never throws because of a failed read: a slot that could not be read stays empty and
   // GetError() tells the last failure.
   //
-  // `readCellSwellProtection`  also reads the cell swell protection data of each battery that is there.
-  // `runBatteryTest`           also runs the battery test and hands its verdict to the battery of slot 0; blocks until
-  // the
-  //                            test program has ended.
-  // `bios`                     a PrivateBiosWmi made with new, or null for the machine's own channel.
-  // `testInfo`                 a NorvBatteryTestInfo made with new, or null for the library's own.
+  // `readCellSwellProtection`: also reads the cell swell protection data of each battery that is there.
+  //
+  // `runBatteryTest`: also runs the battery test, which blocks until the test program has ended, and hands its verdict
+  // to the battery of slot 0.
+  //
+  // `bios`: a channel made with new, or null for the machine's own. A pointer to a derived class must be converted to
+  // PrivateBiosWmi* before it becomes a void*, since the collection converts it back to that and nothing else:
+  // static_cast<PrivateBiosWmi*>(channel). Where PrivateBiosWmi is not the first base the two addresses differ.
+  //
+  // `testInfo`: a test object made with new, or null for the library's own.
   NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, void* bios, NorvBatteryTestInfo* testInfo);
 
   NorvBatteries(const NorvBatteries& other);
   NorvBatteries& operator=(const NorvBatteries& other);  // does not release what it held before
-  ~NorvBatteries();
+  ~NorvBatteries();  // not virtual: an object of a derived class is not deleted through a pointer to this one
 
   // Takes over the verdict of the test object: hands the object to the record of slot 0, if there is one, which refers
   // to it from then on. False, with an error stored, when there is no verdict or no test object. Does not run the test.
@@ -55,7 +59,8 @@ class NORV_BATTERY_API NorvBatteries {
   // read. It stays the collection's and is valid until the collection is destroyed. The same pointer on every call.
   virtual NorvBatteryInfo* Query(unsigned char index);
 
-  // The last failure of a read or of the test. A second slot without a battery is no failure.
+  // The last failure of a read or of the test. A second slot without a battery is no failure. The reference is valid
+  // until the collection is destroyed, and always shows the newest failure; a copy of the Error keeps one.
   const error::Error& GetError() const;
 
   // Fills the first `byteCount` bytes of the object with zeros, at most its whole size. The object may not be used
@@ -63,18 +68,16 @@ class NORV_BATTERY_API NorvBatteries {
   void ZeroFill(std::size_t byteCount);
 
  protected:
-  // Reads the battery-information block of slot `index`. On success the slot holds a fresh record. On failure the slot
-  // keeps what it held and, unless slot 1 just holds no battery, the error is stored.
+  // Reads the battery-information block of slot `index`. On success the slot holds a fresh record, and what it held
+  // before is deleted. On failure the slot keeps what it held and, unless slot 1 just holds no battery, the error is
+  // stored. An index above 1 is such a failure: nothing is sent to the BIOS.
   bool ReadNorvBatteryInfo(unsigned char index);
 
-  // Reads the cell swell protection block of slot `index` and attaches it to the slot's record, if there is one.
+  // Reads the cell swell protection block of slot `index` and attaches it to the slot's record, if there is one. Fails
+  // as above, also for an index above 1.
   bool ReadNorvBatteryCSP(unsigned char index);
 
  private:
-  norvbios::PrivateBiosWmi& Channel();
-  void ReadSlot(unsigned char index, bool readCellSwellProtection);
-  void RunTest();
-
   NorvBatteryInfo* batteries_[2];
   error::Error error_;
   norvbios::PrivateBiosWmi* bios_;

@@ -1,8 +1,6 @@
 // The record of one battery.
 #pragma once
 
-#include <algorithm>
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
@@ -20,9 +18,8 @@ class NorvBatteryTestInfo;
 
 // Decodes the 128-byte battery-information block of one battery and answers every question about it.
 //
-// Numbers carry no unit: each is the BIOS's unsigned 16-bit word, 0 to 65535, as the firmware gave it. (Firmware that
-// follows the Smart Battery Data Specification means mAh or 10 mWh, mV, mA, 0.1 K and percent; GetElectricCurrent of a
-// discharging battery is then a two's complement number that the caller sign-extends.)
+// Numbers carry no unit of their own: each is the BIOS's unsigned 16-bit word, 0 to 65535, as the firmware gave it. The
+// units below are those of the Smart Battery Data Specification, for firmware that follows it.
 //
 // Texts are zero-terminated, never null, 8-bit and as the firmware wrote them, so not necessarily ASCII or UTF-8. They
 // belong to the record unless an accessor says that they are constants, and live as long as the record or a copy of it.
@@ -36,7 +33,7 @@ class NORV_BATTERY_API NorvBatteryInfo {
  public:
   // Decodes the 128 bytes at `block`, which must not be null, and asks the operating system for its charge and
   // discharge rates (both 0 when it does not know). Throws nothing but the standard allocation exception.
-  explicit NorvBatteryInfo(const unsigned char* block);
+  explicit NorvBatteryInfo(const unsigned char* const block);
   NorvBatteryInfo(const NorvBatteryInfo& other);
   NorvBatteryInfo& operator=(const NorvBatteryInfo& other);
   virtual ~NorvBatteryInfo();
@@ -52,23 +49,25 @@ class NORV_BATTERY_API NorvBatteryInfo {
   virtual const char* GetSerialNumber() const;  // at most 16 characters
 
   // Capacity and health.
-  virtual int GetDesignVoltage() const;
-  virtual int GetDesignEnergyCapacity() const;
-  virtual int GetFullEnergyCapacity() const;
+  virtual int GetDesignVoltage() const;         // of the new pack, mV
+  virtual int GetDesignEnergyCapacity() const;  // of the new pack, mAh or 10 mWh
+  virtual int GetFullEnergyCapacity() const;    // what the pack takes by now when it is charged fully; the same unit
   // Full charge capacity in percent of the design capacity, cut (not rounded) to three decimals. -2147483.75 when the
   // design capacity is 0 or the figure is too large to be cut.
   virtual float GetFullEnergyCapacityPercentage() const;
-  virtual int GetRemainingCapacity() const;
+  virtual int GetRemainingCapacity() const;  // what is left in the pack; the same unit
   // Remaining capacity in percent of the full charge capacity (not of the design capacity), otherwise as above.
   virtual float GetRemainingEnergyCapacityPercentage() const;
-  virtual int GetMaxErrorPercentage() const;
-  virtual int GetCycleCount() const;
-  virtual int GetTemperature() const;
-  virtual int GetVoltage() const;
+  virtual int GetMaxErrorPercentage() const;  // how far off the pack's own gauge may be, percent
+  virtual int GetCycleCount() const;          // how often the pack was charged and discharged
+  virtual int GetTemperature() const;         // 0.1 K
+  virtual int GetVoltage() const;             // of the whole pack, mV
+  // mA, negative while the battery discharges: a two's complement word that comes out as 0 to 65535 all the same, and
+  // that the caller sign-extends.
   virtual int GetElectricCurrent() const;
-  virtual int GetStatusWord() const;
-  // Writes the voltages of cells 1 to 4, four ints, to `voltages`, where the caller has room for four.
-  virtual void GetCellVoltages(int* voltages);
+  virtual int GetStatusWord() const;  // bits, see GetStatus()
+  // Writes the voltages of cells 1 to 4 in mV, four ints, to `voltages`, where the caller has room for four.
+  virtual void GetCellVoltages(int* const voltages);
 
   // The day the battery was made, "2021-05-06T00:00:00+00:00"; empty without a month of 1 to 12 and a day of 1 to 31.
   virtual const char* GetManufacturingDate();
@@ -91,7 +90,8 @@ class NORV_BATTERY_API NorvBatteryInfo {
   virtual const char* GetCtMfgWeek() const;
 
   // Whole days from the date at the end of the serial number to now. -1 with an error on record when the serial number
-  // has fewer than 16 characters; the days since 1 January 1970, with an error on record, when it ends in no date.
+  // has fewer than 16 characters, or when an exception stopped the computation; the days since 1 January 1970, with an
+  // error on record, when the serial number ends in no date.
   virtual int GetAge();
 
   // The status word in its parts.
@@ -103,7 +103,7 @@ class NORV_BATTERY_API NorvBatteryInfo {
 
   // Attaches a copy of the 128 bytes at `block` as the cell swell protection record. A null pointer attaches a record
   // of zeros, with errno EINVAL. Throws nothing but the standard allocation exception.
-  virtual void SetCellSwellProtectionInfo(const unsigned char* block);
+  virtual void SetCellSwellProtectionInfo(const unsigned char* const block);
   // The attached record, or null. It belongs to this record.
   virtual const NorvBatteryCellSwellProtectionInfo* GetCellSwellProtectionInfo();
 
@@ -125,14 +125,9 @@ class NORV_BATTERY_API NorvBatteryInfo {
   virtual unsigned int GetBatteryChargeRate();
   virtual unsigned int GetBatteryDischargeRate();
 
-  // The last failure of IsValid() or GetAge().
+  // The last failure of IsValid() or GetAge(). The reference is valid until the record is destroyed, and always shows
+  // the newest failure; a copy of the Error keeps one.
   const error::Error& GetError() const;
-
-  // Storage for records comes zero-filled.
-  static void* operator new(std::size_t size);
-  static void* operator new(std::size_t size, void* place) noexcept;
-  static void operator delete(void* storage) noexcept;
-  static void operator delete(void* storage, void* place) noexcept;
 
  protected:
   // Decodes the packed date `packed` (day in bits 0 to 4, month in 5 to 8, years since 1980 above) into the
@@ -169,9 +164,12 @@ class NORV_BATTERY_API NorvBatteryInfo {
 
    private:
     void Keep(const std::shared_ptr<Holdings>& holdings) {
-      if (std::find(former_.begin(), former_.end(), holdings) == former_.end()) {
-        former_.push_back(holdings);
+      for (const auto& kept : former_) {
+        if (kept == holdings) {
+          return;
+        }
       }
+      former_.push_back(holdings);
     }
 
     std::shared_ptr<Holdings> current_;

@@ -2,6 +2,13 @@
 
 namespace norv::shared::battery::access {
 
+norvbios::PrivateBiosWmi& Channel(norvbios::PrivateBiosWmi*& bios) {
+  if (bios == nullptr) {
+    bios = new norvbios::PrivateBiosWmi;
+  }
+  return *bios;
+}
+
 Answer Ask(norvbios::PrivateBiosWmi& bios, Command command, unsigned char index) {
   Block input{};
   input[0] = index;

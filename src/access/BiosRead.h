@@ -27,6 +27,9 @@ struct Answer {
   Block block{};
 };
 
+// The channel at `bios`; where there is none yet, the machine's own is made and stored there first.
+norvbios::PrivateBiosWmi& Channel(norvbios::PrivateBiosWmi*& bios);
+
 // Asks about slot `index` and waits for the answer.
 Answer Ask(norvbios::PrivateBiosWmi& bios, Command command, unsigned char index);
 

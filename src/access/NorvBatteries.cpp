@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "Remarks.h"
+#include "access/BiosRead.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
 #include "diagnostics/Failures.h"
@@ -26,6 +27,19 @@ constexpr unsigned char kSlotCount = 2;
 constexpr const char* kConstructor = "norv::shared::battery::NorvBatteries::NorvBatteries";
 constexpr const char* kRunBatteryTest = "norv::shared::battery::NorvBatteries::RunBatteryTest";
 
+// Runs the test and takes its verdict over. A test object of the host's may throw; that counts as no verdict.
+void RunTest(NorvBatteries& batteries, NorvBatteryTestInfo* testInfo, error::Error& stored) {
+  const bool verdict = Guarded(stored, kRunBatteryTest, [&batteries, testInfo] {
+    if (testInfo != nullptr) {
+      testInfo->RunBatteryTest();
+    }
+    return batteries.RunBatteryTest();
+  });
+  if (!verdict) {
+    Log(Severity::Error, kConstructor, {"Error running the battery test"});
+  }
+}
+
 }  // namespace
 
 NorvBatteries::NorvBatteries() : NorvBatteries(false, false, nullptr, nullptr) {
@@ -37,7 +51,7 @@ NorvBatteries::NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, 
     : batteries_{nullptr, nullptr}, bios_(static_cast<norvbios::PrivateBiosWmi*>(bios)), testInfo_(testInfo) {
   Log(Severity::Info, kConstructor, {"Started ", kConstructor, " "});
   Guarded(error_, kConstructor, [this] {
-    Channel();
+    access::Channel(bios_);
     return true;
   });
   if (testInfo_ == nullptr && runBatteryTest) {
@@ -47,10 +61,16 @@ NorvBatteries::NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, 
     });
   }
   for (unsigned char index = 0; index < kSlotCount; ++index) {
-    ReadSlot(index, readCellSwellProtection);
+    if (!ReadNorvBatteryInfo(index)) {
+      if (index == 0) {  // a second battery that is missing is normal
+        Log(Severity::Error, kConstructor, {"Error getting battery information"});
+      }
+    } else if (readCellSwellProtection && !ReadNorvBatteryCSP(index)) {
+      Log(Severity::Error, kConstructor, {"Error reading Cell Swell Protection data"});
+    }
   }
   if (runBatteryTest) {
-    RunTest();
+    RunTest(*this, testInfo_, error_);
   }
   if (batteries_[0] != nullptr) {
     Guarded(error_, kConstructor, [this] {
@@ -73,38 +93,6 @@ NorvBatteries::~NorvBatteries() {
   for (NorvBatteryInfo*& battery : batteries_) {
     delete battery;
     battery = nullptr;
-  }
-}
-
-// The host's channel, or the machine's own, made when it is first needed.
-norvbios::PrivateBiosWmi& NorvBatteries::Channel() {
-  if (bios_ == nullptr) {
-    bios_ = new norvbios::PrivateBiosWmi;
-  }
-  return *bios_;
-}
-
-// A second battery that is missing is normal; a first one is not.
-void NorvBatteries::ReadSlot(unsigned char index, bool readCellSwellProtection) {
-  if (!ReadNorvBatteryInfo(index)) {
-    if (index == 0) {
-      Log(Severity::Error, kConstructor, {"Error getting battery information"});
-    }
-  } else if (readCellSwellProtection && !ReadNorvBatteryCSP(index)) {
-    Log(Severity::Error, kConstructor, {"Error reading Cell Swell Protection data"});
-  }
-}
-
-// A test object of the host's may throw; that counts as no verdict.
-void NorvBatteries::RunTest() {
-  const bool verdict = Guarded(error_, kRunBatteryTest, [this] {
-    if (testInfo_ != nullptr) {
-      testInfo_->RunBatteryTest();
-    }
-    return RunBatteryTest();
-  });
-  if (!verdict) {
-    Log(Severity::Error, kConstructor, {"Error running the battery test"});
   }
 }
 

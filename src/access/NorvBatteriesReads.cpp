@@ -1,6 +1,7 @@
 // The two BIOS reads of the collection.
+#include <cstring>
 #include <exception>
-#include <memory>
+#include <new>
 #include <string>
 
 #include "Remarks.h"
@@ -38,6 +39,18 @@ bool IsAbsentSecondBattery(unsigned char index, std::uint32_t returnCode) {
   return index != 0 && (returnCode == access::kNoBattery || returnCode == access::kNoBatteryInSlot);
 }
 
+// A record in storage that comes zero-filled, so that nothing of what the memory held before shows in it. Plain delete
+// releases it.
+NorvBatteryInfo* NewRecord(const unsigned char* block) {
+  void* const storage = std::memset(::operator new(sizeof(NorvBatteryInfo)), 0, sizeof(NorvBatteryInfo));
+  try {
+    return ::new (storage) NorvBatteryInfo(block);
+  } catch (...) {
+    ::operator delete(storage);
+    throw;
+  }
+}
+
 // Nothing leaves a read as an exception.
 template <typename Read>
 bool GuardedRead(error::Error& stored, const char* operation, Read read) noexcept {
@@ -60,7 +73,7 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
     }
     diagnostics::RemarksToLog remarks(kReadInfo);
     const platform::ScopedRemarkListener listening(remarks);
-    const access::Answer answer = access::Ask(Channel(), access::Command::BatteryInformation, index);
+    const access::Answer answer = access::Ask(access::Channel(bios_), access::Command::BatteryInformation, index);
     if (answer.channelStatus != 0) {
       Report(error_, SystemMessageError(answer.channelStatus, kReadInfo), kReadInfo);
       return false;
@@ -76,9 +89,9 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
       return false;
     }
     // The new record stands before the old one goes: a construction that fails leaves the slot as it was.
-    auto fresh = std::make_unique<NorvBatteryInfo>(answer.block.data());
+    NorvBatteryInfo* const fresh = NewRecord(answer.block.data());
     delete batteries_[index];
-    batteries_[index] = fresh.release();
+    batteries_[index] = fresh;
     Log(Severity::Info, kReadInfo, {"Finished ", kReadInfo, " "});
     return true;
   });
@@ -91,7 +104,7 @@ bool NorvBatteries::ReadNorvBatteryCSP(unsigned char index) {
       Report(error_, InvalidIndexError(kReadCsp), kReadCsp);
       return false;
     }
-    const access::Answer answer = access::Ask(Channel(), access::Command::CellSwellProtection, index);
+    const access::Answer answer = access::Ask(access::Channel(bios_), access::Command::CellSwellProtection, index);
     if (answer.channelStatus != 0) {
       Log(Severity::Error, kReadCsp,
           {"PrivateBiosWMI error occurred - HRESULT = ", std::to_string(answer.channelStatus)});

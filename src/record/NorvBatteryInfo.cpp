@@ -5,7 +5,6 @@
 #include <ctime>
 #include <exception>
 #include <iterator>
-#include <new>
 #include <optional>
 #include <string_view>
 
@@ -89,7 +88,7 @@ struct NorvBatteryInfo::Holdings {
   std::vector<std::unique_ptr<BiosBatterySettings>> settings;
 };
 
-// Leaves block and numbers as they are: the storage of a record comes zero-filled.
+// Leaves block and numbers unset.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 NorvBatteryInfo::NorvBatteryInfo()
     : cellSwellProtection_(nullptr),
@@ -100,7 +99,7 @@ NorvBatteryInfo::NorvBatteryInfo()
       settings_(nullptr) {
 }
 
-NorvBatteryInfo::NorvBatteryInfo(const unsigned char* block)
+NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block)
     : designVoltage_(record::Word(block, record::kDesignVoltage)),
       designEnergyCapacity_(record::Word(block, record::kDesignCapacity)),
       fullEnergyCapacity_(record::Word(block, record::kFullChargeCapacity)),
@@ -141,22 +140,6 @@ NorvBatteryInfo::NorvBatteryInfo(const NorvBatteryInfo& other) = default;
 NorvBatteryInfo& NorvBatteryInfo::operator=(const NorvBatteryInfo& other) = default;
 
 NorvBatteryInfo::~NorvBatteryInfo() = default;
-
-void* NorvBatteryInfo::operator new(std::size_t size) {
-  return std::memset(::operator new(size), 0, size);
-}
-
-void* NorvBatteryInfo::operator new(std::size_t size, void* place) noexcept {
-  return ::operator new(size, place);
-}
-
-void NorvBatteryInfo::operator delete(void* storage) noexcept {
-  ::operator delete(storage);
-}
-
-void NorvBatteryInfo::operator delete(void* storage, void* place) noexcept {
-  ::operator delete(storage, place);
-}
 
 bool NorvBatteryInfo::IsValid() {
   const char* defect = nullptr;
@@ -239,7 +222,7 @@ int NorvBatteryInfo::GetStatusWord() const {
   return statusWord_;
 }
 
-void NorvBatteryInfo::GetCellVoltages(int* voltages) {
+void NorvBatteryInfo::GetCellVoltages(int* const voltages) {
   std::copy(std::begin(cellVoltages_), std::end(cellVoltages_), voltages);
 }
 
@@ -256,53 +239,58 @@ void NorvBatteryInfo::SetManufacturingDate(unsigned short packed) {
 }
 
 void NorvBatteryInfo::SetWarrantyDate() {
+  // A derived class sees which of the two is asked for first.
+  const std::string_view warrantyType = GetWarrantyType();
   const record::DateTime made = record::ReadDate(GetManufacturingDate());
-  holdings_->warrantyDate = record::ComposeDateTime(record::AddWarranty(made, GetWarrantyType()));
+  holdings_->warrantyDate = record::ComposeDateTime(record::AddWarranty(made, warrantyType));
 }
 
+// The parts of the manufacturer text and of the CT number are those of what the accessors give: a derived class that
+// overrides one of these two changes its parts with it.
 const char* NorvBatteryInfo::GetPackSupplier() const {
-  return record::PackSupplier(holdings_->manufacturer.View());
+  return record::PackSupplier(GetManufacturer());
 }
 
 const char* NorvBatteryInfo::GetCellSupplier() const {
-  return record::CellSupplier(holdings_->manufacturer.View());
+  return record::CellSupplier(GetManufacturer());
 }
 
 std::string NorvBatteryInfo::GetCalibrationType() const {
-  const auto type = record::CalibrationType(holdings_->manufacturer.View());
+  const auto type = record::CalibrationType(GetManufacturer());
   return type ? std::string(1, *type) : std::string();
 }
 
 int NorvBatteryInfo::GetOverCurrentProtection() const {
-  return record::OverCurrentProtection(holdings_->manufacturer.View(), GetDesignEnergyCapacity());
+  const std::string_view manufacturer = GetManufacturer();
+  return record::OverCurrentProtection(manufacturer, GetDesignEnergyCapacity());
 }
 
 const char* NorvBatteryInfo::GetWarrantyType() const {
-  return record::WarrantyType(holdings_->manufacturer.View());
+  return record::WarrantyType(GetManufacturer());
 }
 
 const char* NorvBatteryInfo::GetDesignCycleCount() const {
-  return record::DesignCycleCount(holdings_->manufacturer.View());
+  return record::DesignCycleCount(GetManufacturer());
 }
 
 const char* NorvBatteryInfo::GetCtAssembly() const {
   static char buffer[record::kCtAssembly.width + 1];
-  return CopyCtField(holdings_->ctNumber.View(), record::kCtAssembly, buffer);
+  return CopyCtField(GetCtNumber(), record::kCtAssembly, buffer);
 }
 
 const char* NorvBatteryInfo::GetCtRevision() const {
   static char buffer[record::kCtRevision.width + 1];
-  return CopyCtField(holdings_->ctNumber.View(), record::kCtRevision, buffer);
+  return CopyCtField(GetCtNumber(), record::kCtRevision, buffer);
 }
 
 const char* NorvBatteryInfo::GetCtSupplier() const {
   static char buffer[record::kCtSupplier.width + 1];
-  return CopyCtField(holdings_->ctNumber.View(), record::kCtSupplier, buffer);
+  return CopyCtField(GetCtNumber(), record::kCtSupplier, buffer);
 }
 
 const char* NorvBatteryInfo::GetCtMfgWeek() const {
   static char buffer[record::kCtMfgWeek.width + 1];
-  return CopyCtField(holdings_->ctNumber.View(), record::kCtMfgWeek, buffer);
+  return CopyCtField(GetCtNumber(), record::kCtMfgWeek, buffer);
 }
 
 // A serial number that ends in no date is an error, and its age is counted all the same, from no date.
@@ -341,7 +329,7 @@ void NorvBatteryInfo::GetBiosBatterySettings() {
   settings_ = holdings_->settings.emplace_back(std::make_unique<BiosBatterySettings>()).get();
 }
 
-void NorvBatteryInfo::SetCellSwellProtectionInfo(const unsigned char* block) {
+void NorvBatteryInfo::SetCellSwellProtectionInfo(const unsigned char* const block) {
   cellSwellProtection_ =
       holdings_->cellSwellProtections.emplace_back(std::make_unique<NorvBatteryCellSwellProtectionInfo>(block)).get();
 }

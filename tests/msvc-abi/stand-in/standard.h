@@ -15,6 +15,12 @@ using uint32_t = unsigned int;
 using uint64_t = unsigned long long;
 
 template <typename Character>
+struct char_traits;
+
+template <typename Value>
+class allocator;
+
+template <typename Character, typename Traits = char_traits<Character>, typename Allocator = allocator<Character>>
 class basic_string {
  public:
   basic_string();
@@ -63,9 +69,6 @@ class vector {
  private:
   Value* data_ = nullptr;
 };
-
-template <typename Iterator, typename Value>
-Iterator find(Iterator begin, Iterator end, const Value& value);
 
 template <typename Value>
 Value&& move(Value& value);

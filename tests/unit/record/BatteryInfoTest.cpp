@@ -5,9 +5,9 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <limits>
 #include <memory>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -269,28 +269,62 @@ TEST(BatteryInfo, AssignmentLeavesNoTextDangling) {
   EXPECT_EQ(oldRecord->GetTimeCharge(), 1);
 }
 
-TEST(BatteryInfo, StorageComesZeroFilled) {
-  struct Storage {
-    Storage() : memory(NorvBatteryInfo::operator new(sizeof(NorvBatteryInfo))) {}
-    Storage(const Storage&) = delete;
-    Storage& operator=(const Storage&) = delete;
-    ~Storage() { NorvBatteryInfo::operator delete(memory); }
-    void* memory;
-  };
-  {  // leaves other than zeros behind for the next to find
-    const Storage used;
-    std::memset(used.memory, 0xAA, sizeof(NorvBatteryInfo));
-  }
-  const Storage fresh;
-  const std::string zeros(sizeof(NorvBatteryInfo), '\0');
-  EXPECT_EQ(std::memcmp(fresh.memory, zeros.data(), zeros.size()), 0);
+TEST(BatteryInfo, CanBeMadeInAnyWayThatAHostMakesObjects) {
+  const TestBlock block = HealthyBlock();
+  alignas(NorvBatteryInfo) std::array<unsigned char, sizeof(NorvBatteryInfo)> storage{};
+  auto* inStorageOfTheHosts = new (storage.data()) NorvBatteryInfo(block.Data());
+  EXPECT_STREQ(inStorageOfTheHosts->GetDeviceName(), "BAT0001");
+  inStorageOfTheHosts->~NorvBatteryInfo();
+
+  const std::unique_ptr<NorvBatteryInfo> withoutThrowing(new (std::nothrow) NorvBatteryInfo(block.Data()));
+  ASSERT_NE(withoutThrowing, nullptr);
+  EXPECT_STREQ(withoutThrowing->GetDeviceName(), "BAT0001");
 }
 
-TEST(BatteryInfo, CanBeMadeInStorageOfTheHosts) {
-  alignas(NorvBatteryInfo) std::array<unsigned char, sizeof(NorvBatteryInfo)> storage{};
-  auto* info = new (storage.data()) NorvBatteryInfo(HealthyBlock().Data());
-  EXPECT_STREQ(info->GetDeviceName(), "BAT0001");
-  info->~NorvBatteryInfo();
+// A derived record that answers another manufacturer and CT number, and notes the order of what it is asked for.
+class OwnTexts : public NorvBatteryInfo {
+ public:
+  using NorvBatteryInfo::NorvBatteryInfo;
+  using NorvBatteryInfo::SetWarrantyDate;
+
+  const char* GetManufacturer() const override { return "311-9A-BN-A"; }
+  const char* GetCtNumber() const override { return "OWNCTNUMBER"; }
+  int GetDesignEnergyCapacity() const override { return 4000; }
+  const char* GetWarrantyType() const override {
+    asked_ += "type ";
+    return NorvBatteryInfo::GetWarrantyType();
+  }
+  const char* GetManufacturingDate() override {
+    asked_ += "date ";
+    return "2020-01-02T00:00:00+00:00";
+  }
+
+  const std::string& Asked() const { return asked_; }
+
+ private:
+  mutable std::string asked_;
+};
+
+TEST(BatteryInfo, DecodesWhatADerivedClassAnswers) {
+  const OwnTexts info(HealthyBlock().Manufacturer("123-45-67-A").CtNumber("6BLOCKCT").Data());
+  EXPECT_STREQ(info.GetPackSupplier(), "SONY");
+  EXPECT_STREQ(info.GetCellSupplier(), "BAK");
+  EXPECT_STREQ(info.GetWarrantyType(), "3_YEARS");
+  EXPECT_STREQ(info.GetDesignCycleCount(), "300");
+  EXPECT_EQ(info.GetCalibrationType(), "1");
+  EXPECT_EQ(info.GetOverCurrentProtection(), 2000);
+  EXPECT_STREQ(info.GetCtAssembly(), "OWNC");
+  EXPECT_STREQ(info.GetCtRevision(), "TN");
+  EXPECT_STREQ(info.GetCtSupplier(), "UM");
+  EXPECT_STREQ(info.GetCtMfgWeek(), "BE");
+}
+
+TEST(BatteryInfo, AsksADerivedClassForTheWarrantyTypeBeforeTheDate) {
+  OwnTexts info(HealthyBlock().Data());
+  EXPECT_EQ(info.Asked(), "") << "a record under construction asks itself";
+  info.SetWarrantyDate();
+  EXPECT_EQ(info.Asked(), "type date ");
+  EXPECT_STREQ(info.GetWarrantyDate(), "2023-01-02T00:00:00+00:00");
 }
 
 TEST(BatteryInfo, IsMadeFromABlockOnly) {

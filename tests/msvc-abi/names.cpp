@@ -1,0 +1,10 @@
+// The public headers of all exported classes, for their names.
+#include "battery/NorvBatteries.h"
+#include "battery/NorvBatteryCellSwellProtectionInfo.h"
+#include "battery/NorvBatteryInfo.h"
+#include "battery/NorvBatteryTestInfo.h"
+#include "battery/NorvBatteryTestXmlParser.h"
+#include "battery/NorvSharedInitializeLogger.h"
+#include "norv/shared/error/Error.h"
+#include "norv/shared/norvbios/PrivateBiosWmi.h"
+#include "norv/shared/wmi/WMIClient.h"
