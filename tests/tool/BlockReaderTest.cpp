@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,9 +18,13 @@ class BlockReaderTest : public testing::Test {
   BlockReaderTest() : path_(testing::TempDir() + "norv-block-reader-" + UniqueName()) {}
   ~BlockReaderTest() override { std::remove(path_.c_str()); }
 
-  std::vector<Portion> Read(const std::string& contents, std::optional<InputKind> kind = std::nullopt) {
+  const std::string& Write(const std::string& contents) {
     std::ofstream(path_, std::ios::binary) << contents;
-    BlockReader reader({path_}, kind);
+    return path_;
+  }
+
+  std::vector<Portion> Read(const std::string& contents, std::optional<InputKind> kind = std::nullopt) {
+    BlockReader reader({Write(contents)}, kind);
     std::vector<Portion> portions;
     for (Portion portion; reader.Read(portion);) {
       EXPECT_LE(portion.bytes.size(), Portion::kLargest);
@@ -49,6 +55,54 @@ TEST_F(BlockReaderTest, TellsBlocksFromText) {
   EXPECT_EQ(Read("A")[0].kind, InputKind::Hexadecimal);
   EXPECT_EQ(Read("A", InputKind::Binary)[0].kind, InputKind::Binary);
   EXPECT_EQ(Read(std::string(128, '\0'), InputKind::Hexadecimal)[0].kind, InputKind::Hexadecimal);
+}
+
+TEST_F(BlockReaderTest, SetBitsAreNoText) {
+  EXPECT_EQ(Read(std::string(128, '\xFF'))[0].kind, InputKind::Binary);
+  EXPECT_EQ(Read("L'Ha\xFF-les-Roses,00\n")[0].kind, InputKind::Hexadecimal);
+}
+
+TEST_F(BlockReaderTest, DumpsBecomeBlocks) {
+  std::string dump;
+  for (const char* offset : {"00000000", "00000040"}) {
+    dump += std::string(offset) + ": " + std::string(128, '4') + "  " + std::string(64, 'D') + "\n";
+  }
+  const auto portions = Read(dump);
+  EXPECT_EQ(portions[0].kind, InputKind::Binary);
+  EXPECT_EQ(Joined(portions), std::string(128, 'D'));
+  EXPECT_TRUE(portions.back().problem.empty()) << portions.back().problem;
+}
+
+TEST_F(BlockReaderTest, RepeatedLinesOfADumpMakePortionsOfABoundedSize) {
+  constexpr std::size_t kRepeats = 200;
+  std::ostringstream dump;
+  for (std::size_t repeat = 0; repeat <= kRepeats; ++repeat) {
+    dump << std::hex << std::setw(8) << std::setfill('0') << repeat * Portion::kLargest;
+    dump << (repeat < kRepeats ? "  00 00 00 00  |....|\n*\n" : "\n");
+  }
+  BlockReader reader({Write(dump.str())}, std::nullopt);
+  std::size_t size = 0;
+  for (Portion portion; reader.Read(portion);) {
+    EXPECT_LE(portion.bytes.size(), 2 * Portion::kLargest);
+    EXPECT_EQ(portion.firstRow, size / kBlockSize);
+    size += portion.bytes.size();
+  }
+  EXPECT_EQ(size, kRepeats * Portion::kLargest);
+}
+
+TEST_F(BlockReaderTest, Utf16IsReadAsUtf8) {
+  using std::string_literals::operator""s;
+  EXPECT_EQ(Joined(Read("\xFF\xFE\xFC\0,\0\x30\0\n\0"s)), "\xC3\xBC,0\n");
+  EXPECT_EQ(Joined(Read("\xFE\xFF\0\xFC\0,\0\x30\0\n"s)), "\xC3\xBC,0\n");
+  EXPECT_EQ(Read("\xFF\xFE\0\0"s)[0].kind, InputKind::Binary);
+}
+
+TEST_F(BlockReaderTest, SourceWithoutAnythingIsNoInput) {
+  for (const char* contents : {"", "\n \n", "[{}]"}) {
+    const auto portions = Read(contents);
+    EXPECT_TRUE(portions.back().isNoInput) << contents;
+  }
+  EXPECT_FALSE(Read("7").back().isNoInput);
 }
 
 TEST_F(BlockReaderTest, PortionsAreWholeBlocks) {

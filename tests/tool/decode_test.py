@@ -6,6 +6,7 @@
 """
 
 import argparse
+import codecs
 import csv
 import io
 import json
@@ -15,6 +16,7 @@ import pty
 import random
 import re
 import resource
+import shutil
 import signal
 import struct
 import subprocess
@@ -230,8 +232,8 @@ class RowTest(unittest.TestCase):
 
 
 class BadInputTest(unittest.TestCase):
-    def only_row(self, done):
-        self.assertEqual(done.returncode, 1, done.stderr)
+    def only_row(self, done, status=1):
+        self.assertEqual(done.returncode, status, done.stderr)
         self.assertEqual(done.stderr, b"0 good rows, 1 bad row\n")
         rows = rows_of(done)
         self.assertEqual(len(rows), 1)
@@ -239,7 +241,20 @@ class BadInputTest(unittest.TestCase):
         return rows[0]
 
     def test_empty(self):
-        self.assertIn("is empty", self.only_row(decode(b""))["rowError"])
+        for contents in (b"", b"\n", b" \t\r\n\n", b"\xef\xbb\xbf", codecs.BOM_UTF16_LE, codecs.BOM_UTF16_BE + b"\0\n"):
+            self.assertTrue(self.only_row(decode(contents), 2)["rowError"].startswith("is empty: expected"), contents)
+        self.assertTrue(self.only_row(decode(b"\n", "--input", "dump"), 2)["rowError"].startswith("is empty: expected"))
+
+    def test_an_empty_one_among_others(self):
+        with tempfile.TemporaryDirectory() as folder:
+            empty = pathlib.Path(folder, "empty")
+            empty.touch()
+            done = run("decode", str(empty), "-", input=good_hex().encode())
+            self.assertEqual((done.returncode, done.stderr), (1, b"1 good row, 1 bad row\n"))
+            done = run("decode", str(empty), "-", input=b"7")
+            self.assertEqual((done.returncode, done.stderr), (1, b"0 good rows, 2 bad rows\n"))
+            done = run("decode", str(empty), folder + "/missing", input=b"7")
+            self.assertEqual((done.returncode, done.stderr), (2, b"0 good rows, 2 bad rows\n"))
 
     def test_one_byte(self):
         self.assertEqual(self.only_row(decode(b"\x07"))["rowError"], "short block of 1 bytes at offset 0: expected 128")
@@ -255,10 +270,43 @@ class BadInputTest(unittest.TestCase):
 
     def test_zeros(self):
         done = decode(bytes(128 * 3))
-        self.assertEqual((done.returncode, done.stderr), (0, b"3 good rows, 0 bad rows\n"))
+        self.assertEqual((done.returncode, done.stderr), (0, b"0 good rows, 0 bad rows, 3 empty blocks\n"))
         for row in rows_of(done):
             self.assertEqual(row["validity"]["error"]["message"], "Invalid battery manufacturer")
             self.assertEqual(row["identity"]["manufacturer"], "")
+
+    def test_empty_blocks_are_neither_good_nor_bad(self):
+        good = bytes.fromhex(good_hex())
+        almost = (bytes(127) + b"\1", b"\xff" * 127 + b"\0", b"\1" * 128)
+        for empty, count in ((bytes(128), b"1 empty block\n"), (bytes(128) + b"\xff" * 128, b"2 empty blocks\n")):
+            done = decode(good + empty + b"".join(almost) + b"\1")
+            self.assertEqual((done.returncode, done.stderr), (1, b"4 good rows, 1 bad row, " + count))
+            lines = "\n".join(empty[place:place + 128].hex() for place in range(0, len(empty), 128))
+            self.assertEqual(decode(lines.encode()).stderr, b"0 good rows, 0 bad rows, " + count)
+
+    def test_blocks_of_set_bits_are_no_text(self):
+        for contents in (b"\xff" * 128, b"\xff" * 4096, b"\xff" * 60 + b"04217 2022-09-14" + b"\xff" * 52):
+            done = decode(contents)
+            self.assertEqual(done.returncode, 0, done.stdout)
+            self.assertEqual(len(rows_of(done)), len(contents) // 128)
+
+    def test_json_is_named(self):
+        good = good_hex()
+        report = run("report", "--machine", "two-batteries", "--format", "json").stdout
+        rows = decode(good.encode() * 3).stdout
+        recording = run("record", "--machine", "one-battery").stdout
+        machine = (MACHINES / "one-battery.json").read_bytes()
+        for contents, problem in ((report, "is a JSON report: 'norv-battery encode' makes"),
+                                  (b"\xef\xbb\xbf" + report, "is a JSON report: 'norv-battery encode' makes"),
+                                  (report.decode().encode("utf-16"), "is a JSON report: 'norv-battery encode' makes"),
+                                  (rows, "holds decoded rows: 'norv-battery encode' makes"),
+                                  (machine, "is a machine file: 'norv-battery report --machine' reads it"),
+                                  (recording, "is a machine file: 'norv-battery report --machine' reads it"),
+                                  (b'{"a": 1}\n', "is JSON: expected blocks"), (b"[\n  {}\n]", "is JSON: expected blocks")):
+            self.assertIn(problem, self.only_row(decode(contents), 2)["rowError"])
+        for name in ("{1-2}", '{"slots"', "[{"):
+            done = decode(f"{name},{good}\n".encode())
+            self.assertEqual((done.returncode, rows_of(done)[0]["id"]), (0, name))
 
     def test_folder_and_missing_and_unreadable(self):
         good = good_hex()
@@ -274,12 +322,12 @@ class BadInputTest(unittest.TestCase):
             self.assertIsNone(rows[2]["rowError"])
             dump.chmod(0)
             if not os.access(dump, os.R_OK):
-                self.assertEqual(self.only_row(run("decode", str(dump)))["rowError"],
+                self.assertEqual(self.only_row(run("decode", str(dump)), 2)["rowError"],
                                  "cannot be opened: Permission denied")
 
     def test_unreadable_for_everyone(self):
         # Not even root reads from a process's own memory at 0.
-        self.assertIn("cannot be read: ", self.only_row(run("decode", "/proc/self/mem"))["rowError"])
+        self.assertIn("cannot be read: ", self.only_row(run("decode", "/proc/self/mem"), 2)["rowError"])
 
     def test_line_of_100_megabytes(self):
         good = good_hex().encode()
@@ -316,18 +364,207 @@ class BadInputTest(unittest.TestCase):
         source = random.Random(7)
         for _ in range(200):
             contents = source.randbytes(source.randrange(600))
-            for kind in ("bin", "hex"):
+            for kind in ("bin", "hex", "dump"):
                 done = decode(contents, "--input", kind)
-                self.assertIn(done.returncode, (0, 1))
+                self.assertIn(done.returncode, (0, 1, 2))
                 rows_of(done)
 
     def test_arguments(self):
-        for arguments, part in ((["--input", "xml"], "bin|hex"), (["--format", "xml"], "jsonl|csv|text"),
+        for arguments, part in ((["--input", "xml"], "bin|hex|dump"), (["--format", "xml"], "jsonl|csv|text"),
                                 (["--jobs", "0"], "--jobs"), (["--jobs", "many"], "--jobs"),
                                 (["--date", "2023-02-29"], "YYYY-MM-DD"), (["--date", "now"], "'now'")):
             done = run("decode", *arguments, input=b"")
             self.assertEqual((done.returncode, done.stdout), (2, b""))
             self.assertIn(part, done.stderr.decode())
+
+
+class Utf16Test(unittest.TestCase):
+    """Texts as a redirect of PowerShell writes them."""
+
+    TEXT = "B\u00fcro \u20ac \U0001f50b,{0}\r\n{0}\r\n"
+
+    def test_decoded_by_its_mark(self):
+        text = self.TEXT.format(good_hex())
+        expected = decode(text.encode())
+        self.assertEqual(expected.returncode, 0)
+        for encoding, mark in (("utf-16-le", codecs.BOM_UTF16_LE), ("utf-16-be", codecs.BOM_UTF16_BE)):
+            for arguments in ([], ["--input", "hex"]):
+                done = decode(mark + text.encode(encoding), *arguments)
+                self.assertEqual((done.returncode, done.stdout), (0, expected.stdout))
+
+    def test_many_portions(self):
+        # Of lengths that leave a character in two halves at the end of a piece that is read.
+        for lead in range(4):
+            text = "x" * lead + "".join("\U0001f50b\u20ac" * 200 + f",{good_hex()}\n" for _ in range(300))
+            done = decode(text.encode("utf-16"))
+            self.assertEqual((done.returncode, done.stdout), (0, decode(text.encode()).stdout))
+
+    def test_without_its_mark_it_is_refused(self):
+        for encoding in ("utf-16-le", "utf-16-be"):
+            for text in (self.TEXT.replace(" \u20ac \U0001f50b", "").format(good_hex()), "00"):
+                done = decode(text.encode(encoding))
+                self.assertEqual((done.returncode, done.stderr), (2, b"0 good rows, 1 bad row\n"))
+                self.assertTrue(rows_of(done)[0]["rowError"].startswith("is a text in UTF-16 without a byte order mark"))
+
+    def test_what_is_no_character(self):
+        for odd, expected in ((b"\x3d\xd8", "\ufffd"), (b"\x0b\xdd", "\ufffd"), (b"\x3d\xd8\x41\x00", "\ufffdA")):
+            done = decode(codecs.BOM_UTF16_LE + odd + f",{good_hex()}".encode("utf-16-le"))
+            self.assertEqual((done.returncode, rows_of(done)[0]["id"]), (0, expected))
+        done = decode(codecs.BOM_UTF16_LE + good_hex().encode("utf-16-le") + b"7")
+        self.assertIn("column 257: '\\xEF' is no hexadecimal digit", rows_of(done)[0]["rowError"])
+
+    def test_blocks_that_begin_like_a_mark_are_blocks(self):
+        block = bytes.fromhex(good_hex())
+        for mark in (codecs.BOM_UTF16_LE, codecs.BOM_UTF16_BE):
+            self.assertEqual(decode(mark + block[2:]).stderr, b"1 good row, 0 bad rows\n")
+            self.assertEqual(decode(mark * 64, "--input", "bin").stderr, b"1 good row, 0 bad rows\n")
+
+
+def shown(line):
+    return "".join(chr(byte) if 32 <= byte < 127 else "." for byte in line)
+
+
+def grouped(line, size, separator=" "):
+    return separator.join(line[place:place + size].hex() for place in range(0, len(line), size))
+
+
+def lines_of(contents, width=16):
+    return [(place, contents[place:place + width]) for place in range(0, len(contents), width)]
+
+
+def xxd(contents, width=16, group=2):
+    digits = len(grouped(bytes(width), group))
+    return "".join(f"{place:08x}: {grouped(line, group):<{digits}}  {shown(line)}\n" for place, line in lines_of(contents, width))
+
+
+def plain_xxd(contents, width=30):
+    return "".join(line.hex() + "\n" for _, line in lines_of(contents, width))
+
+
+def hexdump(contents):
+    text, last = "", b""
+    for place, line in lines_of(contents):
+        if line == last:
+            text += "" if text.endswith("*\n") else "*\n"
+        else:
+            halves = grouped(line[:8], 1) + "  " + grouped(line[8:], 1)
+            text += f"{place:08x}  {halves:<48}  |{shown(line)}|\n"
+        last = line
+    return text + f"{len(contents):08x}\n"
+
+
+def od(contents):
+    return "".join(" " + grouped(line, 1) + "\n" for _, line in lines_of(contents))
+
+
+class DumpTest(unittest.TestCase):
+    """Hex dumps as the usual programs write them."""
+
+    def setUp(self):
+        good = bytes.fromhex(good_hex())
+        texts = bytearray(good)
+        texts[0x20:0x30] = b" | ab  cd : 12* "
+        self.good = good
+        self.contents = good + bytes(texts) + bytes(128 * 3) + good
+
+    def errors(self, text, *arguments):
+        done = decode(text.encode(), *arguments)
+        rows = rows_of(done)
+        self.assertEqual([row["index"] for row in rows], list(range(len(rows))))
+        return [row["rowError"] for row in rows]
+
+    def assert_same(self, text, contents, *arguments):
+        done = decode(text.encode(), *arguments)
+        self.assertEqual((done.returncode, done.stdout), (0, decode(contents).stdout), text[:200])
+
+    def test_each_kind_is_recognised(self):
+        for contents in (self.good, self.contents, b"".join(random_blocks(1000))):
+            for write in (xxd, plain_xxd, hexdump, od):
+                with self.subTest(kind=write.__name__, size=len(contents)):
+                    self.assert_same(write(contents), contents)
+                    self.assert_same("\n" + write(contents).replace("\n", "\r\n"), contents)
+
+    def test_other_widths(self):
+        for width, group in ((16, 1), (16, 16), (30, 2), (32, 4), (7, 2), (256, 2)):
+            self.assert_same(xxd(self.contents, width, group), self.contents)
+        for width in (1, 20, 60, 128, 200, 256):
+            self.assert_same(plain_xxd(self.contents, width), self.contents, "--input", "dump")
+
+    def test_what_the_programs_themselves_write(self):
+        for command in (["xxd"], ["xxd", "-p"], ["xxd", "-u"], ["xxd", "-a"], ["hexdump", "-C"], ["od", "-An", "-v", "-tx1"]):
+            if shutil.which(command[0]):
+                done = subprocess.run(command, input=self.contents, capture_output=True, check=True)
+                self.assert_same(done.stdout.decode(), self.contents)
+
+    def test_redirect_of_powershell(self):
+        done = decode(xxd(self.contents).encode("utf-16"))
+        self.assertEqual((done.returncode, done.stdout), (0, decode(self.contents).stdout))
+
+    def test_lines_of_blocks_are_no_dump(self):
+        good = good_hex()
+        spaced = f"{good[:8]}  {good[8:]}"
+        for line in (good, spaced, f"00000000: 11 spare,{good}", f"00000000,{good}"):
+            self.assertEqual(self.errors(f"{line}\n{line}\n"), [None, None], line)
+        for short in ("60", good[:100] + "\n" + good[:100], good[:60], good[:60] + "\n" + good):
+            self.assertIn("hexadecimal digits, expected 256", self.errors(short)[0])
+
+    def test_several_dumps_in_a_row(self):
+        self.assert_same(xxd(self.good) * 3, self.good * 3)
+        self.assert_same(hexdump(self.good) * 3, self.good * 3)
+        text = "".join(line.replace("000000", "00004d", 1) for line in xxd(self.good * 2).splitlines(True))
+        self.assert_same(text, self.good * 2)
+
+    def test_a_bad_line_costs_its_block_only(self):
+        lines = xxd(self.good * 4).splitlines(True)
+        for change, problem in ((lambda line: line.replace(": ", ": x", 1), "line 11: column 11: 'x' is no hexadecimal digit"),
+                                (lambda line: line.replace(": ", ": 0", 1), "line 11: column 11: 5 hexadecimal digits without a"),
+                                (lambda line: "00000009" + line[8:], "line 11: offset 00000009, expected 000000a0"),
+                                (lambda line: "odd\n", "line 11: expected an offset and a colon"),
+                                (lambda line: "", "line 11: offset 000000b0, expected 000000a0"),
+                                (lambda line: line[:9] + " ffff" + line[14:], "line 11: the text at the line's end is that"),
+                                (lambda line: "0" * 40000 + "\n", "line 11 is longer than 32768 characters")):
+            text = "".join(lines[:10]) + change(lines[10]) + "".join(lines[11:])
+            errors = self.errors(text)
+            self.assertEqual([error is None for error in errors], [True, False, True, True], errors)
+            self.assertIn(problem, errors[1])
+            self.assertIn("what follows is decoded from the next block's offset on", errors[1])
+
+    def test_missing_blocks_are_told(self):
+        lines = xxd(self.good * 4).splitlines(True)
+        errors = self.errors("".join(lines[:8] + lines[16:]))
+        self.assertEqual([error is None for error in errors], [True, False, True, True])
+        self.assertIn("line 9: offset 00000100, expected 00000080", errors[1])
+        errors = self.errors("".join(lines[:6] + lines))
+        self.assertEqual([error is None for error in errors], [False] + [True] * 4)
+
+    def test_without_offsets_nothing_follows_a_bad_line(self):
+        lines = plain_xxd(self.good * 4).splitlines(True)
+        errors = self.errors("".join(lines[:7] + ["0" + lines[7]] + lines[8:]))
+        self.assertEqual(errors[:1], [None])
+        self.assertEqual(errors[1:], ["line 8: column 1: 61 hexadecimal digits without a blank, expected 2 for each byte; "
+                                      "what follows is not decoded"])
+
+    def test_ends_too_early(self):
+        for write in (xxd, plain_xxd, hexdump, od):
+            self.assertEqual(self.errors(write(self.good + self.good[:100])),
+                             [None, "short block of 100 bytes at the end of the dump: expected 128"])
+        self.assertIn("ends behind '*'", self.errors(hexdump(self.good + bytes(128)).rpartition("\n0")[0])[-1])
+
+    def test_repeated_lines_are_bounded(self):
+        head = hexdump(bytes(128)).splitlines()[0]
+        for end in ("00008010", "ffffffffffffffff", "00000000", "00000018"):
+            self.assertIn(f"offset {end} behind '*', expected one up to 00008010" if end != "00008010" else "short block",
+                          self.errors(f"{head}\n*\n{end}\n")[-1])
+        self.assertIn("behind '*'", self.errors(f"{head}\n*\n00008020\n")[-1])
+
+    def test_digits_that_are_no_single_bytes(self):
+        words = " " + grouped(self.good[:16], 2) + "\n"
+        for text in (words * 8, "000000 " + od(self.good)[1:], "0000000" + od(self.good)):
+            self.assertIn("hexadecimal digits without a blank, expected 2, which are a byte",
+                          self.errors(text, "--input", "dump")[0])
+        turned = "".join(f"{place:08x}: {' '.join(line[at:at + 4][::-1].hex() for at in range(0, 16, 4))}  {shown(line)}\n"
+                         for place, line in lines_of(self.good))
+        self.assertIn("the text at the line's end is that of other bytes", self.errors(turned)[0])
 
 
 class OutputTest(unittest.TestCase):
@@ -448,7 +685,7 @@ class OutputTest(unittest.TestCase):
                 pass  # the end of what a terminal holds whose other side is closed
             os.close(controller)
             self.assertEqual(b"Decoding: 0 MiB" in shown, use_terminal, shown)
-            self.assertTrue(shown.replace(b"\r\n", b"\n").endswith(b"1024 good rows, 0 bad rows\n"), shown)
+            self.assertTrue(shown.replace(b"\r\n", b"\n").endswith(b"0 good rows, 0 bad rows, 1024 empty blocks\n"), shown)
 
 
 class EncodeTest(unittest.TestCase):
@@ -551,6 +788,21 @@ class EncodeTest(unittest.TestCase):
         self.assert_refused(run("encode", self.folder.name + "/missing"), "missing", "No such file")
         self.assert_refused(run("encode", "--machine", "no-such-sample"), "no-such-sample")
         self.assert_refused(run("encode", "x", "--machine", "one-battery"), "--machine")
+
+    def test_empty_inputs(self):
+        empty = pathlib.Path(self.folder.name, "empty.json")
+        empty.touch()
+        for contents in (b"", b" \n\t", codecs.BOM_UTF16_LE):
+            self.assert_refused(run("encode", input=contents), "standard input", "is empty: expected a JSON report")
+        self.assert_refused(run("encode", "-", str(empty), input=decode(good_hex().encode()).stdout), "empty.json", "is empty")
+
+    def test_utf16(self):
+        rows = decode(f"B\u00fcro \U0001f50b,{good_hex()}\n".encode() * 700).stdout.decode()
+        expected = run("encode", input=rows.encode()).stdout
+        for encoding, mark in (("utf-16-le", codecs.BOM_UTF16_LE), ("utf-16-be", codecs.BOM_UTF16_BE)):
+            encoded = run("encode", input=mark + rows.encode(encoding))
+            self.assertEqual((encoded.returncode, encoded.stdout), (0, expected))
+            self.assert_refused(run("encode", input="{}".encode(encoding)), "UTF-16 without a byte order mark")
 
     def test_nesting_that_is_too_deep(self):
         nested = b"[" * 60000 + b"]" * 60000

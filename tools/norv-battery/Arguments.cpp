@@ -27,7 +27,7 @@ constexpr const char* kDecodeFooter =
     "Exit status:\n"
     "  0  every row was decoded\n"
     "  1  at least one row could not be; the row says why\n"
-    "  2  the arguments are wrong, or the output could not be written";
+    "  2  the arguments are wrong, no input holds anything to decode, or the output could not be written";
 
 constexpr const char* kEncodeFooter =
     "Exit status:\n"
@@ -50,8 +50,8 @@ const std::map<std::string, Format> kFormats = {{"text", Format::Text}, {"json",
 const std::map<std::string, RowFormat> kRowFormats = {
     {"jsonl", RowFormat::JsonLines}, {"csv", RowFormat::Csv}, {"text", RowFormat::Text}};
 
-const std::map<std::string, std::optional<InputKind>> kGivenKinds = {{"bin", InputKind::Binary},
-                                                                     {"hex", InputKind::Hexadecimal}};
+const std::map<std::string, std::optional<InputKind>> kGivenKinds = {
+    {"bin", InputKind::Binary}, {"hex", InputKind::Hexadecimal}, {"dump", InputKind::Dump}};
 
 const std::map<std::string, BlockFormat> kBlockFormats = {{"bin", BlockFormat::Binary},
                                                           {"hex", BlockFormat::Hexadecimal}};
@@ -136,10 +136,11 @@ void DescribeDecode(CLI::App& command, DecodeOptions& options) {
   constexpr unsigned int kMostJobs = 256;
   command
       .add_option("FILE", options.sources,
-                  "Files of 128-byte blocks, or of one block in hex digits a line; - or none "
+                  "Files of 128-byte blocks, of one block in hex digits a line, or of hex dumps; - or none "
                   "is standard input")
       ->option_text("[FILE ...]");
-  AddChoice(command, "--input", options.input, kGivenKinds, "What the files hold", "bin|hex", "recognised by itself");
+  AddChoice(command, "--input", options.input, kGivenKinds, "What the files hold", "bin|hex|dump",
+            "recognised by itself");
   AddChoice(command, "--format", options.format, kRowFormats, "How to write the rows", "jsonl|csv|text", "jsonl");
   AddRawCsv(command, options.format);
   command.add_option("--output", options.output, "Write to this file, which appears once it is complete")

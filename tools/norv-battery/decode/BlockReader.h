@@ -4,22 +4,29 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "decode/DumpText.h"
+#include "decode/Utf16.h"
+
 namespace norv::tool {
 
 inline constexpr std::size_t kBlockSize = 128;
 
-enum class InputKind { Binary, Hexadecimal };
+enum class InputKind {
+  Binary,
+  Hexadecimal,  // a block a line
+  Dump,         // of which portions have the blocks
+};
 
 // Some rows of one source: whole blocks or whole lines, unless the source ends within one.
 struct Portion {
-  // Of a portion of blocks; one of lines may have a line end more. It is also the longest line.
+  // Of a portion of blocks; one of lines may have a line end more, and one of a dump's blocks twice as much. It is also
+  // the longest line.
   static constexpr std::size_t kLargest = 256 * kBlockSize;
 
   std::string source;  // UTF-8
@@ -29,12 +36,8 @@ struct Portion {
   std::vector<char> bytes;
   // What is wrong with the source behind these bytes; a row of its own. Empty when nothing is.
   std::string problem;
+  bool isNoInput = false;  // the problem stands for a source that holds nothing to decode, or cannot be read
 };
-
-// Calls `visit` with each line of `text`, without its line end. Blank ones, which are no rows, count as lines.
-void ForEachLine(std::string_view text, const std::function<void(std::string_view)>& visit);
-
-bool IsBlankLine(std::string_view line);
 
 // Goes through sources one after another. What cannot be read becomes a portion's problem; nothing is thrown but the
 // standard allocation exception.
@@ -54,11 +57,16 @@ class BlockReader {
   };
 
   void Open(Portion& portion);
-  void Close();
-  void Recognise();
+  void Close(Portion& portion);
+  void Recognise(Portion& portion);
+  void DropAhead(std::size_t size);
   void FillUp(std::size_t size);
+  void ReadMore(std::size_t size);
+  void DecodeFrom(std::size_t place);
   void TakeBlocks(Portion& portion);
-  void TakeLines(Portion& portion);
+  void TakeText(Portion& portion);
+  void TakeLines(Portion& portion, std::size_t size);
+  void TakeDump(Portion& portion, std::size_t size);
   void SkipLine();
 
   std::vector<std::string> sources_;
@@ -69,8 +77,10 @@ class BlockReader {
   std::string source_;
   InputKind kind_ = InputKind::Binary;
   std::vector<char> ahead_;  // read, but not yet handed out
-  bool isAtEnd_ = false;     // no byte follows those of ahead_
-  std::string failure_;      // why the source could not be read to its end
+  std::optional<Utf16Decoder> utf16_;
+  DumpText dump_;
+  bool isAtEnd_ = false;  // no byte follows those of ahead_
+  std::string failure_;   // why the source could not be read to its end
   bool isInLongLine_ = false;
   std::uint64_t row_ = 0;
   std::uint64_t place_ = 0;

@@ -85,8 +85,7 @@ class Decoding {
     if (workers_ != nullptr) {
       workers_->WaitFor(task);
     }
-    counts_.good += task.counts.good;
-    counts_.bad += task.counts.bad;
+    counts_ += task.counts;
     progress_.Update(reader_.BytesRead());
     return output_.Write(task.output.View());
   }
@@ -104,7 +103,17 @@ class Decoding {
 };
 
 std::string Count(std::uint64_t count, const char* kind) {
-  return std::to_string(count) + " " + kind + (count == 1 ? " row" : " rows");
+  return std::to_string(count) + " " + kind + (count == 1 ? "" : "s");
+}
+
+std::string ClosingLine(const RowCounts& counts) {
+  return Count(counts.good, "good row") + ", " + Count(counts.bad, "bad row") +
+         (counts.empty == 0 ? "" : ", " + Count(counts.empty, "empty block"));
+}
+
+int StatusOf(const RowCounts& counts) {
+  const bool isNothingDecoded = counts.bad == counts.noInput && counts.good == 0 && counts.empty == 0;
+  return counts.bad == 0 ? kSuccess : isNothingDecoded ? kUnusable : kBadRows;
 }
 
 }  // namespace
@@ -127,8 +136,8 @@ int RunDecode(const DecodeOptions& options) {
   if (!counts) {
     return kUnusable;
   }
-  StandardError::Instance().WriteLine(Count(counts->good, "good") + ", " + Count(counts->bad, "bad"));
-  return counts->bad == 0 ? kSuccess : kBadRows;
+  StandardError::Instance().WriteLine(ClosingLine(*counts));
+  return StatusOf(*counts);
 }
 
 }  // namespace norv::tool

@@ -25,7 +25,8 @@ struct DecodeOptions {
 // could not be written, which then has been said.
 std::optional<RowCounts> DecodeTo(OutputTarget& output, const DecodeOptions& options);
 
-// The command: the exit status is 1 when a row was bad, 2 when the output could not be written.
+// The command: the exit status is 1 when a row was bad, 2 when no source held anything to decode, or the output could
+// not be written.
 int RunDecode(const DecodeOptions& options);
 
 }  // namespace norv::tool

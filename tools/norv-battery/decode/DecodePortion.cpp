@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "EscapeText.h"
+#include "decode/HexDigits.h"
+#include "decode/Lines.h"
 #include "decode/Utf8.h"
 
 namespace norv::tool {
@@ -16,25 +19,9 @@ namespace {
 
 using Block = std::array<unsigned char, kBlockSize>;
 
-constexpr unsigned char kBlank = 0xFE;
-constexpr unsigned char kNoDigit = 0xFF;
-
-// What each character is worth as a hexadecimal digit.
-constexpr std::array<unsigned char, 256> kDigitValues = [] {
-  std::array<unsigned char, 256> values{};
-  values.fill(kNoDigit);
-  values[' '] = values['\t'] = kBlank;
-  for (unsigned int value = 0; value < 16; ++value) {
-    values[static_cast<unsigned char>("0123456789abcdef"[value])] = static_cast<unsigned char>(value);
-    values[static_cast<unsigned char>("0123456789ABCDEF"[value])] = static_cast<unsigned char>(value);
-  }
-  return values;
-}();
-
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  return first == std::string_view::npos ? std::string_view()
-                                         : text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+// The answer of a slot that nothing was ever written to: every bit clear, or every bit set.
+bool IsEmptyBlock(const unsigned char* block) {
+  return (block[0] == 0x00 || block[0] == 0xFF) && std::memcmp(block, block + 1, kBlockSize - 1) == 0;
 }
 
 // Decodes the rows of one portion.
@@ -55,6 +42,7 @@ class Decoder {
     }
     if (!portion_.problem.empty()) {
       Bad(std::nullopt, portion_.problem);
+      counts_.noInput += portion_.isNoInput ? 1 : 0;
     }
     return counts_;
   }
@@ -62,7 +50,7 @@ class Decoder {
  private:
   void Good(std::optional<std::string_view> id, const unsigned char* block) {
     WriteRow(format_, {portion_.source, row_++, id}, block, output_);
-    ++counts_.good;
+    ++(IsEmptyBlock(block) ? counts_.empty : counts_.good);
   }
 
   void Bad(std::optional<std::string_view> id, std::string_view problem) {
@@ -104,7 +92,7 @@ class Decoder {
     Block block{};
     std::size_t count = 0;
     for (std::size_t position = 0; position < digits.size(); ++position) {
-      const unsigned char value = kDigitValues[static_cast<unsigned char>(digits[position])];
+      const unsigned char value = DigitValue(digits[position]);
       if (value == kNoDigit) {
         Bad(id, "line " + std::to_string(place_) + ", column " + std::to_string(column + position) + ": '" +
                     EscapeText(digits.substr(position, 1)) + "' is no hexadecimal digit");
@@ -134,6 +122,14 @@ class Decoder {
 };
 
 }  // namespace
+
+RowCounts& RowCounts::operator+=(const RowCounts& other) {
+  good += other.good;
+  bad += other.bad;
+  empty += other.empty;
+  noInput += other.noInput;
+  return *this;
+}
 
 RowCounts DecodePortion(const Portion& portion, RowFormat format, OutputBuffer& output) {
   return Decoder(portion, format, output).Decode();
