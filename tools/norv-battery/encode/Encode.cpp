@@ -17,7 +17,9 @@
 #include "OutputTarget.h"
 #include "Report.h"
 #include "StandardStreams.h"
+#include "decode/Utf16.h"
 #include "encode/BlockFromJson.h"
+#include "encode/Utf8Input.h"
 #include "json/Describe.h"
 #include "json/Parse.h"
 #include "norv/platform/Platform.h"
@@ -170,18 +172,26 @@ void EncodeValue(const Value& value, const std::optional<int>& slot, BlockWriter
 
 // One JSON value after another, until the end of `input`.
 void EncodeStream(const std::string& name, std::istream& input, const std::optional<int>& slot, BlockWriter& writer) {
+  Utf8Input bytes(*input.rdbuf());
+  if (IsUtf16WithoutMark(bytes.Start())) {
+    throw InputError(Quote(name) + " is a text in UTF-16 without a byte order mark: expected the mark, or UTF-8");
+  }
+  std::istream text(&bytes);
   std::uint64_t number = 1;
   const auto refusal = [&name, &number](const std::string& message) {
     return InputError(Quote(name) + ", JSON value " + std::to_string(number) + ": " + message);
   };
   try {
-    for (; const auto value = json::ParseNext(input); ++number) {
+    for (; const auto value = json::ParseNext(text); ++number) {
       EncodeValue(*value, slot, writer);
     }
   } catch (const json::ParseError& failure) {
     throw refusal(failure.what());
   } catch (const BlockValueError& failure) {
     throw refusal(failure.what());
+  }
+  if (number == 1) {
+    throw InputError(Quote(name) + " is empty: expected a JSON report or decoded rows");
   }
 }
 
