@@ -36,7 +36,7 @@ constexpr std::array<WordField, 10> kWords{{
 }};
 
 constexpr std::size_t kCellVoltages = 0x14;
-constexpr std::size_t kCellCount = 4;
+constexpr std::size_t kCellVoltageCount = 4;
 
 struct TextField {
   const char* key;  // of the identity
@@ -85,10 +85,10 @@ void PutNumber(Block& block, std::size_t offset, const Value& number, const std:
 
 void PutCells(Block& block, const Value& voltages) {
   const auto* const cells = voltages.As<json::Array>();
-  if (cells == nullptr || cells->size() != kCellCount) {
+  if (cells == nullptr || cells->size() != kCellVoltageCount) {
     Fail("cells.voltages", "an array of four numbers", voltages);
   }
-  for (std::size_t cell = 0; cell < kCellCount; ++cell) {
+  for (std::size_t cell = 0; cell < kCellVoltageCount; ++cell) {
     PutNumber(block, kCellVoltages + 2 * cell, (*cells)[cell], json::ItemPath("cells.voltages", cell));
   }
 }
