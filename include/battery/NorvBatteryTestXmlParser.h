@@ -48,7 +48,7 @@ class NORV_BATTERY_API NorvBatteryTestXmlParser {
 
   std::shared_ptr<State> state_;
   error::Error error_;
-  std::int64_t reserved_;  // copied along, not used
+  [[maybe_unused]] std::int64_t reserved_;  // part of the layout; copied along
 };
 
 }  // namespace norv::shared::battery

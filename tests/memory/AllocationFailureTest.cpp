@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstring>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -133,6 +134,16 @@ TEST(AllocationFailure, OfAFailuresOwnTextsIsReportedInItsPlace) {
   EXPECT_STREQ(failure.GetMessageText(), "a text that fills no short buffer at all");
   EXPECT_GT(FailEach([&] { failure = ReadExceptionError(thrown); }, isNoMemory), 0U);
   EXPECT_STREQ(failure.GetMessageText(), "a text that fills no short buffer at all");
+}
+
+// Some bytes of a record are nobody's: padding, and what a short text does not take of its place.
+TEST(Storage, OfACollectionsRecordShowsNothingOfItsOlderUse) {
+  const auto machine = Machine();
+  NorvBatteries batteries(false, false, nullptr, nullptr);
+  ASSERT_NE(batteries.Query(0), nullptr);
+  std::string bytes(sizeof(NorvBatteryInfo), '\0');
+  std::memcpy(bytes.data(), static_cast<const void*>(batteries.Query(0)), bytes.size());
+  EXPECT_EQ(bytes.find(std::string(8, static_cast<char>(kOldByte))), std::string::npos);
 }
 
 TEST(AllocationFailure, OfARecordIsTheHostsToCatch) {

@@ -1,6 +1,7 @@
 #include "FailingNew.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace norv::test {
@@ -22,6 +23,7 @@ void* Allocate(std::size_t size) {
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
+  std::memset(memory, kOldByte, size);
   return memory;
 }
 
