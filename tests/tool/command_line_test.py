@@ -7,6 +7,7 @@ With --emulator the tool is a Windows program that RUNNER runs.
 """
 
 import argparse
+import datetime
 import json
 import os
 import pathlib
@@ -387,16 +388,32 @@ class LogTest(ToolTest):
         self.assertEqual(self.logged("none", broken), [])
         errors = self.logged("error", broken)
         self.assertTrue(any(line.endswith("Error getting battery information") for line in errors), errors)
-        self.assertEqual({line.split(":")[0] for line in errors}, {"error"})
+        self.assertEqual(self.severities(errors), {"error"})
         info = self.logged("info", broken)
-        self.assertEqual({line.split(":")[0] for line in info}, {"error", "info"})
+        self.assertEqual(self.severities(info), {"error", "info"})
         verbose = self.logged("verbose", broken)
-        self.assertEqual({line.split(":")[0] for line in verbose}, {"error", "info", "verbose"})
-        self.assertEqual(len(errors) + sum(line.startswith("info") for line in info), len(info))
+        self.assertEqual(self.severities(verbose), {"error", "info", "verbose"})
+        self.assertEqual(len(errors) + sum("Z info: " in line for line in info), len(info))
 
-    def test_line_names_function_and_message(self):
-        lines = self.logged("info", machine({}))
-        self.assertTrue(any(line.endswith(f"{self.QUALIFIED}: Finished {self.QUALIFIED}") for line in lines), lines)
+    def severities(self, lines):
+        return {line.split(" ")[1].removesuffix(":") for line in lines}
+
+    def test_line_tells_the_time(self):
+        before = int(time.time())
+        lines = self.logged("verbose", machine({}))
+        self.assertGreater(len(lines), 5)
+        for line in lines:
+            told = datetime.datetime.strptime(line.split(" ")[0], "%Y-%m-%dT%H:%M:%S%z").timestamp()
+            self.assertTrue(before <= told <= time.time(), line)
+
+    def test_line_names_its_function_once(self):
+        lines = self.logged("verbose", machine(None, None))
+        self.assertTrue(any(line.endswith(f": Finished {self.QUALIFIED}") for line in lines), lines)
+        self.assertTrue(any(line.endswith(f": {self.QUALIFIED}: Error getting battery information") for line in lines), lines)
+        for line in lines:
+            functions = re.findall(r"norv(?:::[A-Za-z]+)+", line)
+            self.assertEqual(len(functions), len(set(functions)), line)
+            self.assertGreater(len(functions), 0, line)
 
     def test_lines_are_printable(self):
         for line in self.logged("verbose", machine({})):

@@ -9,6 +9,7 @@
 
 #include "EscapeText.h"
 #include "StandardStreams.h"
+#include "TimeText.h"
 #include "battery/NorvSharedInitializeLogger.h"
 
 namespace norv::tool {
@@ -45,14 +46,18 @@ std::string_view SeverityName(plog::Severity severity) {
 class StandardErrorAppender : public plog::IAppender {
  public:
   void write(const plog::Record& record) override {
-    std::string line(SeverityName(record.getSeverity()));
+    std::string line = TimeText(record.getTime().time) + ' ';
+    line += SeverityName(record.getSeverity());
     line += ": ";
     if (record.getObject() != nullptr) {
       line += EscapeBytes(Narrow(static_cast<const wchar_t*>(record.getObject()))) + ": ";
     }
-    line += EscapeBytes(record.getFunc());
-    line += ": ";
-    line += EscapeBytes(WithoutLineBreak(Narrow(record.getMessage())));
+    const std::string function = record.getFunc();
+    const std::string message = Narrow(record.getMessage());
+    if (message.find(function) == std::string::npos) {  // as most messages have it
+      line += EscapeBytes(function) + ": ";
+    }
+    line += EscapeBytes(WithoutLineBreak(message));
     StandardError::Instance().WriteLine(line);
   }
 };

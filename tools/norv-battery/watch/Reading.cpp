@@ -1,9 +1,6 @@
 #include "watch/Reading.h"
 
-#include <array>
-#include <chrono>
-#include <cstdio>
-
+#include "TimeText.h"
 #include "WriteReport.h"
 #include "json/Describe.h"
 #include "json/Parse.h"
@@ -15,19 +12,6 @@ namespace {
 using json::Array;
 using json::Object;
 using json::Value;
-
-std::string TimeText(std::time_t now) {
-  const std::chrono::sys_seconds time{std::chrono::seconds(now)};
-  const auto day = std::chrono::floor<std::chrono::days>(time);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss clock(time - day);
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()));
-  return text.data();
-}
 
 // What is of one structure is compared part by part; anything else is one change.
 void Compare(const std::string& path, const Value& before, const Value& after, std::vector<Change>& changes) {
