@@ -730,6 +730,17 @@ class EncodeTest(unittest.TestCase):
         encoded = run("encode", "--format", "bin", input=decode(bytes(block)).stdout)
         self.assertEqual(encoded.stdout, bytes(block))
 
+    def test_no_blocks_for_a_terminal(self):
+        for arguments, status in ((["--format", "bin"], 2), ([], 0),
+                                  (["--format", "bin", "--output", self.folder.name + "/blocks"], 0)):
+            controller, terminal = pty.openpty()
+            done = run("encode", "--machine", "one-battery", *arguments, capture_output=False, stdout=terminal,
+                       stderr=subprocess.PIPE)
+            os.close(terminal)
+            os.close(controller)
+            self.assertEqual(done.returncode, status, done.stderr)
+            self.assertEqual(b"--format bin" in done.stderr and b"terminal" in done.stderr, status == 2)
+
     def test_identifiers_are_kept(self):
         line = f"B\u00fcro 12,{good_hex()}\n".encode()
         self.assertEqual(run("encode", input=decode(line).stdout).stdout, line)

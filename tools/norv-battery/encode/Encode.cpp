@@ -17,6 +17,7 @@
 #include "OutputTarget.h"
 #include "Report.h"
 #include "StandardStreams.h"
+#include "Terminal.h"
 #include "decode/Utf16.h"
 #include "encode/BlockFromJson.h"
 #include "encode/Utf8Input.h"
@@ -252,6 +253,10 @@ void EncodeAll(const EncodeOptions& options, BlockWriter& writer) {
 }  // namespace
 
 int RunEncode(const EncodeOptions& options) {
+  if (!options.output && options.format == BlockFormat::Binary && StandardOutputIsTerminal()) {
+    Complain("--format bin: blocks are no text for a terminal: name a file with --output, or redirect standard output");
+    return kUnusable;
+  }
   UseBinaryStreams();
   const auto output = OpenOutput(options.output);
   if (output == nullptr) {
