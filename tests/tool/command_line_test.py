@@ -258,6 +258,13 @@ class PowerSupplyTest(ToolTest):
         self.assertEqual((done.returncode, done.stdout.count("No battery.\n")), (1, 2))
         self.assertIn("norv-battery report --machine two-batteries", done.stderr)
 
+    def test_folder_that_is_no_class(self):
+        self.battery()
+        for folder in (str(pathlib.Path(self.folder.name, "BAT0")), "/proc/self/task"):
+            for command in ("report", "record", "watch"):
+                self.assert_refused(self.run_tool(command, "--power-supply", folder), "--power-supply", folder,
+                                    "no folder of the power supply class", "'type'")
+
     def test_log_names_what_did_not_fit(self):
         self.battery(charge_full="70000000", model_name="longer than its field")
         done = self.run_tool("report", "--power-supply", self.folder.name, "--log-level", "info")
@@ -267,9 +274,9 @@ class PowerSupplyTest(ToolTest):
     def test_refuses_what_is_no_folder(self):
         missing = str(pathlib.Path(self.folder.name, "missing"))
         self.assert_refused(self.run_tool("report", "--power-supply", missing), "--power-supply", missing)
-        self.assert_refused(self.run_tool("report", "--power-supply", self.write("file", "")), "--power-supply", "file")
         self.assert_refused(self.run_tool("report", "--power-supply", self.folder.name, "--machine", "no-battery"),
                             "--power-supply", "--machine")
+        self.assert_refused(self.run_tool("report", "--power-supply", self.write("file", "")), "--power-supply", "file")
 
 
 class ExitStatusTest(ToolTest):

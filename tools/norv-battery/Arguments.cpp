@@ -89,6 +89,7 @@ void AddMachine(CLI::App& command, std::optional<std::string>& machine, std::opt
                     "Read the batteries in this folder, a copy of a notebook's /sys/class/power_supply")
         ->option_text("FOLDER")
         ->check(CLI::ExistingDirectory)
+        ->check(BatteryFolderDefect)
         ->excludes("--machine");
   }
 }

@@ -6,6 +6,10 @@ bool HasBatteryFolders() {
   return false;
 }
 
+std::string BatteryFolderDefect(const std::string& /*folder*/) {
+  return {};
+}
+
 std::shared_ptr<void> PlaceBatteryFolder(const std::string& /*folder*/) {
   return nullptr;
 }
