@@ -38,7 +38,7 @@ Json ValueJson(const Value& value) {
     case NORV_BATTERY_NUMBER:
       return value.value.number;
     case NORV_BATTERY_REAL:
-      return ThreeDecimals(value.value.real);
+      return value.value.state == NORV_BATTERY_VALUE ? Json(ThreeDecimals(value.value.real)) : Json(nullptr);
     case NORV_BATTERY_FLAG:
       return value.value.number != 0;
     default:
@@ -122,6 +122,10 @@ Json CellSwellJson(const norv_battery_record* record) {
              : Range(record, NORV_BATTERY_TIME_CHARGE, NORV_BATTERY_LEVEL_B_TEMPERATURE_2_TIME);
 }
 
+Json ResultJson(const Value& result) {
+  return result.value.state == NORV_BATTERY_ABSENT ? Json(nullptr) : ValueJson(result);
+}
+
 Json BatteryJson(const norv_battery_record* record, std::uint32_t slot) {
   if (record == nullptr) {
     return nullptr;
@@ -132,6 +136,8 @@ Json BatteryJson(const norv_battery_record* record, std::uint32_t slot) {
   battery["slot"] = slot;
   battery["identity"] = Range(record, NORV_BATTERY_MANUFACTURER, NORV_BATTERY_CT_NUMBER);
   battery["capacity"] = Range(record, NORV_BATTERY_DESIGN_CAPACITY, NORV_BATTERY_DISCHARGE_RATE);
+  // A record has the firmware's word.
+  battery["capacity"]["current"] = static_cast<std::int16_t>(ReadField(record, NORV_BATTERY_CURRENT).value.number);
   // What a system's driver says of the charge beside the block is no field of a record; the samples have none of it.
   battery["capacity"]["driverStateOfCharge"] = nullptr;
   battery["capacity"]["driverStateOfChargeDiffers"] = false;
@@ -141,25 +147,31 @@ Json BatteryJson(const norv_battery_record* record, std::uint32_t slot) {
   battery["attributes"] = Range(record, NORV_BATTERY_PACK_SUPPLIER, NORV_BATTERY_CT_MANUFACTURING_WEEK);
   battery["settings"] = Range(record, NORV_BATTERY_ADAPTIVE_BATTERY_OPTIMIZER, NORV_BATTERY_BATTERY_CARE);
   battery["cellSwellProtection"] = CellSwellJson(record);
-  battery["batteryTest"] = Group(record, {{"result", NORV_BATTERY_TEST_RESULT},
-                                          {"label", NORV_BATTERY_TEST_LABEL},
-                                          {"version", NORV_BATTERY_TEST_VERSION}});
+  battery["batteryTest"] = {{"result", ResultJson(ReadField(record, NORV_BATTERY_TEST_RESULT))},
+                            {"label", FieldJson(record, NORV_BATTERY_TEST_LABEL)},
+                            {"version", FieldJson(record, NORV_BATTERY_TEST_VERSION)}};
   battery["validity"] = {{"valid", FieldJson(record, NORV_BATTERY_VALID)},
                          {"error", FailureJson(FieldFailure(record, NORV_BATTERY_VALID))}};
   return battery;
 }
 
+// Why there is no verdict: the test's own failure is the cause of the collection's.
+Failure NoVerdictFailure(const norv_battery_collection* collection) {
+  const Failure own = TestFailure(collection);
+  return own.category != NORV_BATTERY_NOTHING_FAILED ? own : CollectionFailure(collection);
+}
+
 // Class, meaning and qualifier are the tool's own words for a result code.
-Json TestJson(const norv_battery_collection* collection) {
+Json TestJson(const norv_battery_collection* collection, bool isVerdict) {
   const Value result = ReadTest(collection, NORV_BATTERY_TEST_RESULT);
   const auto verdict = tool::ExplainResult(static_cast<int>(result.value.number));
-  return {{"result", ValueJson(result)},
+  return {{"result", ResultJson(result)},
           {"label", ValueJson(ReadTest(collection, NORV_BATTERY_TEST_LABEL))},
           {"version", ValueJson(ReadTest(collection, NORV_BATTERY_TEST_VERSION))},
           {"class", verdict ? Json(verdict->verdictClass) : Json(nullptr)},
           {"meaning", verdict ? Json(verdict->meaning) : Json(nullptr)},
           {"qualifier", verdict ? Json(verdict->qualifier) : Json(nullptr)},
-          {"error", FailureJson(TestFailure(collection))}};
+          {"error", isVerdict ? Json(nullptr) : FailureJson(NoVerdictFailure(collection))}};
 }
 
 Json ReportJson(const std::string& sample, const simulator::SimulatedMachine& machine, bool withTest) {
@@ -174,12 +186,12 @@ Json ReportJson(const std::string& sample, const simulator::SimulatedMachine& ma
   Json test;
   if (withTest) {
     const norv_battery_status status = norv_battery_run_test(collection.Get());
-    if (status == NORV_BATTERY_NO_VERDICT) {
-      error = FailureJson(CollectionFailure(collection.Get()));
-    } else {
+    const bool isVerdict = status != NORV_BATTERY_NO_VERDICT;
+    if (isVerdict) {
       Demand(status);
     }
-    test = TestJson(collection.Get());
+    test = TestJson(collection.Get(), isVerdict);
+    error = isVerdict ? readError : test.at("error");
   }
   report["batteries"] = {BatteryJson(collection.Record(0), 0), BatteryJson(collection.Record(1), 1)};
   report["batteryTest"] = test;

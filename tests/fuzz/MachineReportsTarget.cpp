@@ -86,7 +86,7 @@ void Run(const char* command, const char* option, const std::string& machine) {
   const std::string path = file.Path();
   const char* const arguments[] = {"norv-battery", command, "--machine", path.c_str(), option};
   const int status = tool::RunCommandLine(5, arguments);
-  Require(status >= 0 && status <= 3, "a status of the command");
+  Require(status >= 0 && status <= 4, "a status of the command");
 }
 
 }  // namespace

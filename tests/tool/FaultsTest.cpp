@@ -30,7 +30,7 @@ struct Command {
 };
 
 const std::vector<Command> kCommands{
-    {{"report", "--cell-swell", "--test"}, {0, 1, 2, 3}},
+    {{"report", "--cell-swell", "--test"}, {0, 1, 2, 3, 4}},
     {{"report", "--format", "json"}, {0, 1, 2}},
     {{"record", "--cell-swell", "--test"}, {0, 1, 2}},
     {{"record", "--redact", "--key", "k"}, {0, 1, 2}},

@@ -71,7 +71,7 @@ TEST(JsonSink, NumbersOfEveryLength) {
 }
 
 TEST(JsonSink, PercentagesHaveUpToThreeDecimals) {
-  const auto written = [](float percentage) {
+  const auto written = [](std::optional<float> percentage) {
     OutputBuffer output;
     JsonSink(output).Percentage("p", percentage);
     return std::string(output.View());
@@ -82,7 +82,7 @@ TEST(JsonSink, PercentagesHaveUpToThreeDecimals) {
   EXPECT_EQ(written(0.033F), R"("p":0.033,)");
   EXPECT_EQ(written(12.5F), R"("p":12.5,)");
   EXPECT_EQ(written(0.25F), R"("p":0.25,)");
-  EXPECT_EQ(written(-2147483.75F), R"("p":-2147483.75,)");
+  EXPECT_EQ(written(std::nullopt), R"("p":null,)");
   EXPECT_EQ(written(2147483.5F), R"("p":2147483.5,)");
 }
 

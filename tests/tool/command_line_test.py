@@ -86,7 +86,7 @@ class HelpTest(ToolTest):
                 for command in (("report", "--test"), ("record", "--test"), ("watch", "--count", "1"), ("encode",)):
                     done = self.run_tool(*command, "--machine", self.write("machine.json", contents),
                                          env={**os.environ, "TMPDIR": str(temporary)})
-                    self.assertIn(done.returncode, (0, 1, 2), done.stderr)
+                    self.assertIn(done.returncode, (0, 1, 2, 4), done.stderr)
                     if done.returncode == 2:
                         self.assertIn(part, done.stderr)
                     # Wine keeps its server's socket in a folder of its own there.
@@ -213,6 +213,8 @@ class MachineTest(ToolTest):
     def test_machine_without_battery(self):
         done = self.run_tool("report", "--machine", "no-battery")
         self.assertEqual((done.returncode, done.stdout.count("No battery.\n"), done.stderr), (1, 2, ""))
+        self.assertTrue(done.stdout.endswith("\nNo slot of the machine holds a battery. That is no failure.\n"))
+        self.assertNotRegex(done.stdout, "::|PrivateBiosWMI|Code")
         report = json.loads(self.run_tool("report", "--machine", "no-battery", "--format", "json").stdout)
         self.assertEqual(report["batteries"], [None, None])
         self.assertEqual(report["error"]["code"], 6)
@@ -256,6 +258,7 @@ class PowerSupplyTest(ToolTest):
     def test_folder_without_battery(self):
         done = self.run_tool("report", "--power-supply", self.folder.name)
         self.assertEqual((done.returncode, done.stdout.count("No battery.\n")), (1, 2))
+        self.assertIn(f"the power supply folder {self.folder.name} has no battery. ", done.stderr)
         self.assertIn("norv-battery report --machine two-batteries", done.stderr)
 
     def test_folder_that_is_no_class(self):
@@ -285,12 +288,13 @@ class ExitStatusTest(ToolTest):
         self.assertEqual(self.report(machine(None, {"battery": BATTERY})).returncode, 0)
 
     def test_no_battery(self):
-        done = self.report(machine())
-        self.assertEqual((done.returncode, done.stderr), (1, ""))
-        self.assertIn("PrivateBiosWMI error", done.stdout)
+        for contents in (machine(), machine(None, {"batteryReturnCode": 9})):
+            done = self.report(contents)
+            self.assertEqual((done.returncode, done.stderr), (1, ""))
+            self.assertEqual("PrivateBiosWMI error" in done.stdout, contents["slots"][1] is not None)
 
     def test_verdicts(self):
-        for status, expected in ((0, 0), (63, 0), (64, 3), (73, 3), (79, 3), (80, 0), (-64, 0), (112, 0)):
+        for status, expected in ((0, 0), (63, 0), (64, 3), (73, 3), (79, 3), (80, 4), (-64, 4), (112, 0), (144, 0), (-1, 4)):
             done = self.report(machine({}, testProgram=test_program(status=status)), "--test")
             self.assertEqual((status, done.returncode), (status, expected))
             self.assertEqual(done.stderr, "")
@@ -301,11 +305,19 @@ class ExitStatusTest(ToolTest):
     def test_verdict_counts_only_when_asked_for(self):
         self.assertEqual(self.report(machine({}, testProgram=test_program(status=64))).returncode, 0)
 
-    def test_no_verdict_is_no_failure(self):
-        done = self.report(machine({}), "--test")
-        self.assertEqual(done.returncode, 0)
-        self.assertIn("Error getting version of BatteryTest.exe", done.stdout)
-        self.assertIn("Battery Test Error - Battery is not supported", done.stdout)
+    def test_no_verdict_has_a_status_of_its_own_and_one_reason(self):
+        cases = ((None, "Error getting version of BatteryTest.exe", "Error getting version of BatteryTest.exe"),
+                 (test_program(report="<r/>"), "Battery Test Error - Battery is not supported",
+                  "the test program left no report with a status that is a number"))
+        for program, message, reason in cases:
+            for first in ({}, None):
+                contents = machine(first, **({"testProgram": program} if program else {}))
+                done = self.report(contents, "--test")
+                self.assertEqual((done.returncode, done.stderr), (4, ""))
+                self.assertEqual(re.findall("^  (?:Reason|Message) +(.*Test.*|.*test.*)$", done.stdout, re.M), [reason])
+                report = self.json_report(contents, "--test")
+                self.assertEqual((report["batteryTest"]["result"], report["batteryTest"]["error"]["message"]), (None, message))
+                self.assertEqual(report["error"], report["batteryTest"]["error"])
 
 
 class ReportTest(ToolTest):
@@ -348,7 +360,14 @@ class ReportTest(ToolTest):
         self.assertIn("not computable (the design capacity is 0)\n", text)
         self.assertIn("not computable (the full charge capacity is 0)\n", text)
         capacity = self.json_report(contents)["batteries"][0]["capacity"]
-        self.assertEqual(capacity["fullChargeCapacityPercentage"], -2147483.75)
+        self.assertIsNone(capacity["fullChargeCapacityPercentage"])
+        self.assertIsNone(capacity["remainingCapacityPercentage"])
+
+    def test_current_is_a_signed_number(self):
+        for word, current in ((-1000, -1000), (64536, -1000), (32767, 32767), (32768, -32768), (65535, -1)):
+            contents = machine({"current": word})
+            self.assertRegex(self.report(contents).stdout, rf"\n  Current +{current}\n")
+            self.assertEqual(self.json_report(contents)["batteries"][0]["capacity"]["current"], current)
 
     def test_age_error_does_not_spoil_validity(self):
         battery = self.json_report(machine({"serialNumber": "0123456789ABCDEF"}))["batteries"][0]
@@ -377,7 +396,7 @@ class ReportTest(ToolTest):
     def test_failed_test_does_not_hide_why_a_battery_is_missing(self):
         report = self.json_report(machine({}, {"batteryReturnCode": 3}), "--test")
         self.assertEqual(report["readError"]["code"], 3)
-        self.assertEqual(report["error"]["message"], "Battery Test Error - Battery is not supported")
+        self.assertEqual(report["error"]["message"], "Error getting version of BatteryTest.exe")
         text = self.report(machine({}, {"batteryReturnCode": 3}), "--test").stdout
         self.assertIn("The battery could not be read: see the error below.", text)
 

@@ -205,8 +205,19 @@ class RowTest(unittest.TestCase):
         self.assertIsNone(re.search("[\0-\x09\x0b-\x1f\x7f-\x9f]", rows))
 
     def test_csv_numbers_stay_numbers(self):
-        head, line = csv.reader(io.StringIO(decode(bytes(128), "--format", "csv").stdout.decode()))
-        self.assertEqual(dict(zip(head, line))["capacity.remainingCapacityPercentage"], "-2147483.75")
+        self.assertEqual(self.cell("capacity.current", current=64536), "-1000")
+
+    def test_a_percentage_that_cannot_be_computed_is_none(self):
+        self.assertEqual(self.cell("capacity.remainingCapacityPercentage"), "")
+        capacity = rows_of(decode(bytes(128)))[0]["capacity"]
+        self.assertIsNone(capacity["fullChargeCapacityPercentage"])
+        self.assertIsNone(capacity["remainingCapacityPercentage"])
+
+    def cell(self, column, current=0):
+        block = bytearray(128)
+        struct.pack_into("<H", block, 0x0E, current)
+        head, line = csv.reader(io.StringIO(decode(bytes(block), "--format", "csv").stdout.decode()))
+        return dict(zip(head, line))[column]
 
     def test_raw_csv_is_csv(self):
         for arguments in ([], ["--format", "jsonl"], ["--format", "text"]):
@@ -730,6 +741,17 @@ class EncodeTest(unittest.TestCase):
         encoded = run("encode", "--format", "bin", input=decode(bytes(block)).stdout)
         self.assertEqual(encoded.stdout, bytes(block))
 
+    def test_a_current_is_a_signed_number_or_its_word(self):
+        row = self.good_row()
+        for told, current in ((-32768, -32768), (-1, -1), (0, 0), (32767, 32767), (32768, -32768), (65535, -1)):
+            row["capacity"]["current"] = told
+            encoded = run("encode", input=json.dumps(row).encode())
+            self.assertEqual(rows_of(decode(encoded.stdout))[0]["capacity"]["current"], current)
+
+    def test_percentages_that_are_none_are_taken(self):
+        rows = decode(bytes(128)).stdout
+        self.assertEqual(run("encode", "--format", "bin", input=rows).stdout, bytes(128))
+
     def test_no_blocks_for_a_terminal(self):
         for arguments, status in ((["--format", "bin"], 2), ([], 0),
                                   (["--format", "bin", "--output", self.folder.name + "/blocks"], 0)):
@@ -771,7 +793,8 @@ class EncodeTest(unittest.TestCase):
 
     def test_values_no_block_can_hold(self):
         changes = (("capacity", "voltage", 65536), ("capacity", "voltage", -1), ("capacity", "voltage", 1.5),
-                   ("capacity", "voltage", "1"), ("cells", "voltages", [1, 2, 3]), ("cells", "voltages", [1, 2, 3, None]),
+                   ("capacity", "voltage", "1"), ("capacity", "current", -32769), ("capacity", "current", 65536),
+                   ("capacity", "current", None), ("cells", "voltages", [1, 2, 3]), ("cells", "voltages", [1, 2, 3, None]),
                    ("identity", "serialNumber", "x" * 17), ("identity", "manufacturer", "\u20ac"),
                    ("identity", "manufacturer", "a\u0000b"), ("identity", "deviceName", 7),
                    ("dates", "manufacturingDate", "2021-05-06"), ("dates", "manufacturingDate", "1979-05-06T00:00:00+00:00"),

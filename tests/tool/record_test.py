@@ -113,8 +113,10 @@ class RecordTest(RecordCase):
 
     def test_standard_output_and_exit_statuses(self):
         done = run_tool("record", "--machine", "no-battery")
-        self.assertEqual((done.returncode, b"no battery could be read" in done.stderr), (1, True))
+        self.assertEqual((done.returncode, b"the recorded machine has no battery" in done.stderr), (1, True))
         self.assertEqual(json.loads(done.stdout)["slots"], [None, None])
+        done = run_tool("record", "--machine", "channel-failure")
+        self.assertEqual((done.returncode, b"no battery could be read" in done.stderr), (1, True))
         done = run_tool("record", "--machine", "two-batteries")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.assertNotIn(b"\r", done.stdout)
@@ -308,7 +310,7 @@ class RedactionTest(RecordCase):
                 contents, plain = self.expect_redacted(machine_of_karlotta(folder, serial, number % 3))
                 self.assertRegex(contents["modulePath"], r"^[x/\\]*(norv-battery-info\.dll)?$")
                 is_cut = len(folder) > 200  # the test program is then looked for further up
-                self.assertEqual(plain["batteryTest"]["result"], -1 if is_cut else number % 3)
+                self.assertEqual(plain["batteryTest"]["result"], None if is_cut else number % 3)
                 if not is_cut:
                     self.assertEqual(contents["testProgram"]["report"], f'<r i="6">{number % 3}</r>')
 

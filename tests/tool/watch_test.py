@@ -101,6 +101,31 @@ class LinesTest(WatchTest):
         self.assertIn("  Battery 1  put in: HT03XL, serial number NEW\n", blocks[3])
         self.assertEqual(blocks[4], "5, 2024-06-01T12:00:00Z\n  no change\n")
 
+    def test_a_percentage_that_cannot_be_computed_is_none(self):
+        machine = changing({}, {"fullChargeCapacity": 0}, {})
+        readings = [json.loads(line) for line in self.run_watch(machine, "--count", "3").splitlines()]
+        self.assertIsNone(readings[1]["batteries"][0]["capacity"]["remainingCapacityPercentage"])
+        text = self.run_watch(machine, "--count", "3", "--format", "text").decode()
+        self.assertIn("capacity.remainingCapacityPercentage  66.666 -> not computable (the full charge capacity is 0)", text)
+        self.assertIn("capacity.remainingCapacityPercentage  not computable -> 66.666", text)
+
+    def test_an_empty_slot_is_no_error_but_in_json(self):
+        machine = changing({}, None, {}, {})
+        machine["answers"][3] = {**answer(None), "returnCode": 9}
+        text = self.run_watch(machine, "--count", "4", "--format", "text").decode().replace("\r\n", "\n")
+        blocks = text.split("Reading ")[1:]
+        self.assertEqual(blocks[1].splitlines()[1:], ["  Battery 1  removed"])
+        self.assertEqual(len(blocks[2].splitlines()), 2)
+        self.assertIn("  readError  none -> PrivateBiosWMI error\n", blocks[3])
+        readings = [json.loads(line) for line in self.run_watch(machine, "--count", "2").splitlines()]
+        self.assertEqual(readings[1]["readError"]["code"], 6)
+
+    def test_a_current_is_a_signed_number(self):
+        machine = changing({}, {"current": 900})
+        text = self.run_watch(machine, "--count", "2", "--format", "text").decode()
+        self.assertIn("capacity.current  -1000 -> 900", text)
+        self.assertEqual(json.loads(self.run_watch(machine, "--count", "1"))["batteries"][0]["capacity"]["current"], -1000)
+
     def test_a_battery_that_cannot_be_read_for_a_while(self):
         machine = {**STORY, "answers": [answer({}), {**answer(None), "returnCode": 9}, answer({})]}
         lines = self.run_watch(machine, "--count", "3").splitlines()
@@ -262,6 +287,7 @@ class LinuxTest(WatchTest):
         self.assertRegex(screens[1], r"\nDesign capacity +5000 +5000\x1b")
         self.assertRegex(screens[2], r"\x1b\[1m\*removed +\x1b\[0m +present")
         self.assertRegex(screens[3], r"\x1b\[1m\*put in +\x1b\[0m +present")
+        self.assertNotIn("Last error", shown)
 
     def test_a_key_of_the_terminal_ends_it(self):
         watch, controller = self.watch_on_terminal()

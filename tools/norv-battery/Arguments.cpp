@@ -19,9 +19,10 @@ namespace {
 constexpr const char* kReportFooter =
     "Exit status:\n"
     "  0  at least one battery was read\n"
-    "  1  no battery could be read; the report says why\n"
+    "  1  there is no battery, or none could be read; the report says which\n"
     "  2  the arguments or the machine file are wrong, or the output could not be written\n"
-    "  3  the battery test ended in a verdict of the class FAIL";
+    "  3  the battery test ended in a verdict of the class FAIL\n"
+    "  4  the battery test came to no verdict; the report says why";
 
 constexpr const char* kDecodeFooter =
     "Exit status:\n"
@@ -37,7 +38,7 @@ constexpr const char* kEncodeFooter =
 constexpr const char* kRecordFooter =
     "Exit status:\n"
     "  0  at least one battery was read\n"
-    "  1  no battery could be read; the recording holds why\n"
+    "  1  there is no battery, or none could be read; the recording holds which\n"
     "  2  the arguments or the machine file are wrong, or the output could not be written";
 
 constexpr const char* kWatchFooter =

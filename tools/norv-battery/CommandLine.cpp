@@ -6,6 +6,7 @@
 
 #include "Arguments.h"
 #include "BinaryStreams.h"
+#include "EmptySlot.h"
 #include "EscapeText.h"
 #include "ExitStatus.h"
 #include "LogToStandardError.h"
@@ -37,10 +38,18 @@ std::string SampleList() {
 }
 
 int StatusOf(const Report& report) {
+  if (report.test && !ExplainResult(report.test->verdict.result)) {
+    return kNoVerdict;
+  }
   if (report.test && IsFailure(report.test->verdict.result)) {
     return kTestFailed;
   }
   return report.HasBattery() ? kSuccess : kNoBattery;
+}
+
+std::string WhyNothingWasRead(const Report& report) {
+  const std::string subject = SubjectText(report.source);
+  return HasNoBattery(report) ? subject + " has no battery" : "no battery of " + subject + " could be read";
 }
 
 int MakeReport(const Arguments& arguments) {
@@ -56,9 +65,9 @@ int MakeReport(const Arguments& arguments) {
     return kUnusable;
   }
   if (!arguments.machine && !report.HasBattery()) {
-    Complain(
-        "no battery of this machine could be read. For the report of a sample machine, type\n"
-        "  norv-battery report --machine two-batteries");
+    Complain(WhyNothingWasRead(report) +
+             ". For the report of a sample machine, type\n"
+             "  norv-battery report --machine two-batteries");
   }
   return StatusOf(report);
 }

@@ -8,6 +8,7 @@ enum ExitStatus : int {
   kBadRows = 1,
   kUnusable = 2,  // arguments, machine file, input of a command that needs all of it, or output
   kTestFailed = 3,
+  kNoVerdict = 4,
 };
 
 }  // namespace norv::tool

@@ -37,17 +37,17 @@ Object IdentityJson(const Identity& identity) {
 }
 
 // A record's percentages have three decimals, which a float only comes near to; written as a double it would show more.
-double ThreeDecimals(float percentage) {
-  return std::round(static_cast<double>(percentage) * 1000.0) / 1000.0;
+Value PercentageJson(std::optional<float> percentage) {
+  return percentage ? Value(std::round(static_cast<double>(*percentage) * 1000.0) / 1000.0) : Value();
 }
 
 Object CapacityJson(const Capacity& capacity) {
   return {
       {"designCapacity", capacity.designCapacity},
       {"fullChargeCapacity", capacity.fullChargeCapacity},
-      {"fullChargeCapacityPercentage", ThreeDecimals(capacity.fullChargeCapacityPercentage)},
+      {"fullChargeCapacityPercentage", PercentageJson(capacity.fullChargeCapacityPercentage)},
       {"remainingCapacity", capacity.remainingCapacity},
-      {"remainingCapacityPercentage", ThreeDecimals(capacity.remainingCapacityPercentage)},
+      {"remainingCapacityPercentage", PercentageJson(capacity.remainingCapacityPercentage)},
       {"maxError", capacity.maxError},
       {"cycleCount", capacity.cycleCount},
       {"designVoltage", capacity.designVoltage},
@@ -145,7 +145,7 @@ Value TestJson(const std::optional<TestReport>& test) {
 }  // namespace
 
 std::string JsonReport(const Report& report) {
-  const auto& lastError = report.test && report.test->collectionError ? report.test->collectionError : report.readError;
+  const auto& lastError = report.test && report.test->error ? report.test->error : report.readError;
   const Object object{
       {"source", Object{{"kind", report.source.kind},
                         {"name", report.source.name},

@@ -38,14 +38,14 @@ Capacity ReadCapacity(NorvBatteryInfo& battery) {
   return {
       .designCapacity = battery.GetDesignEnergyCapacity(),
       .fullChargeCapacity = battery.GetFullEnergyCapacity(),
-      .fullChargeCapacityPercentage = battery.GetFullEnergyCapacityPercentage(),
+      .fullChargeCapacityPercentage = Computed(battery.GetFullEnergyCapacityPercentage()),
       .remainingCapacity = battery.GetRemainingCapacity(),
-      .remainingCapacityPercentage = battery.GetRemainingEnergyCapacityPercentage(),
+      .remainingCapacityPercentage = Computed(battery.GetRemainingEnergyCapacityPercentage()),
       .maxError = battery.GetMaxErrorPercentage(),
       .cycleCount = battery.GetCycleCount(),
       .designVoltage = battery.GetDesignVoltage(),
       .voltage = battery.GetVoltage(),
-      .current = battery.GetElectricCurrent(),
+      .current = SignedCurrent(battery.GetElectricCurrent()),
       .temperature = battery.GetTemperature(),
   };
 }
@@ -119,6 +119,15 @@ Age ReadAge(NorvBatteryInfo& battery) {
   return {value, IsAgeFailure(battery.GetError()) ? ReadFailure(battery.GetError()) : std::nullopt};
 }
 
+// `source` is a battery's record, or the test itself.
+template <typename Source>
+TestVerdict ReadVerdict(const Source& source) {
+  constexpr int kNoVerdictCode = -1;
+  const int result = source.GetBatteryTestResult();
+  return {result != kNoVerdictCode ? std::optional(result) : std::nullopt, source.GetBatteryTestResultLabel(),
+          source.GetBatteryTestVersion()};
+}
+
 BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
   BatteryReport report = ReadBlock(battery);
   report.slot = slot;
@@ -126,8 +135,7 @@ BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
   report.capacity.dischargeRate = battery.GetBatteryDischargeRate();
   report.settings = {battery.GetAdaptiveBatteryOptimizerInfo(), battery.GetBatteryCareInfo()};
   report.cellSwellProtection = ReadCellSwellProtection(battery);
-  report.testVerdict = {battery.GetBatteryTestResult(), battery.GetBatteryTestResultLabel(),
-                        battery.GetBatteryTestVersion()};
+  report.testVerdict = ReadVerdict(battery);
   return report;
 }
 
@@ -166,12 +174,12 @@ TestReport RunTest(NorvBatteries& batteries, NorvBatteryTestInfo& test) {
     const TestProgress progress;
     test.RunBatteryTest();
   }
-  const bool takenOver = batteries.RunBatteryTest();
+  const bool isVerdict = batteries.RunBatteryTest();
   TestReport report;
-  report.verdict = {test.GetBatteryTestResult(), test.GetBatteryTestResultLabel(), test.GetBatteryTestVersion()};
-  report.error = ReadFailure(test.GetError());
-  if (!takenOver) {
-    report.collectionError = ReadFailure(batteries.GetError());
+  report.verdict = ReadVerdict(test);
+  if (!isVerdict) {
+    // The test's own failure is the cause; the collection only says that there is no verdict.
+    report.error = ReadFailure(test.GetError() ? test.GetError() : batteries.GetError());
   }
   return report;
 }

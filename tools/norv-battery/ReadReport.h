@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "Report.h"
@@ -17,6 +19,17 @@ struct ReadOptions {
 Report ReadReport(const Source& source, const ReadOptions& options);
 
 // The parts of a record that its accessors give only with care. Any thread may read its own record's.
+
+// What a percentage accessor gave; nothing where it stands for a figure that cannot be computed.
+constexpr std::optional<float> Computed(float percentage) {
+  constexpr float kNotComputable = -2147483.75F;
+  return percentage != kNotComputable ? std::optional(percentage) : std::nullopt;
+}
+
+// The firmware's current is a word in two's complement.
+constexpr int SignedCurrent(int word) {
+  return static_cast<std::int16_t>(word);
+}
 
 // The fields of the CT number, copied out of the buffers that all records share.
 struct CtFields {

@@ -13,8 +13,9 @@ namespace norv::tool {
 
 inline constexpr int kSlotCount = 2;
 inline constexpr int kCellCount = 4;
-// What a percentage accessor gives when its figure cannot be computed.
-inline constexpr float kNotComputable = -2147483.75F;
+
+// The category of a wrong value, or a return code of the BIOS.
+inline constexpr int kValueFailure = 5;
 
 // A failure that the library stored.
 struct Failure {
@@ -43,14 +44,14 @@ struct Identity {
 struct Capacity {
   int designCapacity = 0;
   int fullChargeCapacity = 0;
-  float fullChargeCapacityPercentage = 0;  // of the design capacity
+  std::optional<float> fullChargeCapacityPercentage;  // of the design capacity; nothing where it cannot be computed
   int remainingCapacity = 0;
-  float remainingCapacityPercentage = 0;  // of the full charge capacity
+  std::optional<float> remainingCapacityPercentage;  // of the full charge capacity; the same
   int maxError = 0;
   int cycleCount = 0;
   int designVoltage = 0;
   int voltage = 0;
-  int current = 0;
+  int current = 0;  // negative while the battery discharges
   int temperature = 0;
   unsigned int chargeRate = 0;
   unsigned int dischargeRate = 0;
@@ -99,7 +100,7 @@ struct Settings {
 
 // The verdict of the battery test as an object of the library answers it.
 struct TestVerdict {
-  int result = -1;
+  std::optional<int> result;  // nothing without a verdict
   std::string label;
   std::string version;
 };
@@ -126,8 +127,7 @@ struct BatteryReport {
 // The battery test, run for the machine as a whole.
 struct TestReport {
   TestVerdict verdict;
-  std::optional<Failure> error;            // of the run
-  std::optional<Failure> collectionError;  // of taking over the verdict
+  std::optional<Failure> error;  // why there is no verdict
 };
 
 // Where the report was read.
@@ -143,8 +143,9 @@ struct Source {
 // none could be computed.
 inline bool DriverDisagrees(const Capacity& capacity) {
   constexpr float kPoint = 1.0F;
+  const auto& computed = capacity.remainingCapacityPercentage;
   return capacity.driverStateOfCharge.has_value() &&
-         std::abs(static_cast<float>(*capacity.driverStateOfCharge) - capacity.remainingCapacityPercentage) > kPoint;
+         (!computed || std::abs(static_cast<float>(*capacity.driverStateOfCharge) - *computed) > kPoint);
 }
 
 struct Report {

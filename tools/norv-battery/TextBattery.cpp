@@ -11,9 +11,6 @@ namespace norv::tool {
 
 namespace {
 
-constexpr int kLargestPositiveWord = 0x7FFF;
-constexpr int kWordValues = 0x10000;
-
 constexpr const char* kOfTheSystem = " (the operating system's figure, mostly in mW)";
 
 std::string PercentText(float percentage) {
@@ -22,17 +19,9 @@ std::string PercentText(float percentage) {
   return text.data();
 }
 
-std::string Percentage(float percentage, int divisor, const char* divisorName) {
-  if (percentage != kNotComputable) {
-    return PercentText(percentage) + " of the " + divisorName;
-  }
-  return divisor == 0 ? std::string("not computable (the ") + divisorName + " is 0)"
-                      : "not computable (the figure is too large)";
-}
-
-std::string Current(int word) {
-  const std::string text = std::to_string(word);
-  return word > kLargestPositiveWord ? text + " (" + std::to_string(word - kWordValues) + " as a signed number)" : text;
+std::string Percentage(std::optional<float> percentage, int divisor, const std::string& divisorName) {
+  return percentage ? PercentText(*percentage) + " of the " + divisorName
+                    : "not computable (" + WhyNotComputable(divisor == 0, divisorName) + ")";
 }
 
 // The reading in 0.1 K, where it gives a temperature that a battery can have.
@@ -66,7 +55,7 @@ void AddCapacity(TextLines& lines, const Capacity& capacity) {
   lines.Row("Relative state of charge",
             Percentage(capacity.remainingCapacityPercentage, capacity.fullChargeCapacity, "full charge capacity"));
   if (DriverDisagrees(capacity)) {
-    const bool isComputed = capacity.remainingCapacityPercentage != kNotComputable;
+    const bool isComputed = capacity.remainingCapacityPercentage.has_value();
     lines.Row("Driver's state of charge",
               std::to_string(*capacity.driverStateOfCharge) + " %, by its own account; " +
                   (isComputed ? "more than a point from the one above" : "there is none to compare it with"));
@@ -75,7 +64,7 @@ void AddCapacity(TextLines& lines, const Capacity& capacity) {
   lines.Row("Cycle count", capacity.cycleCount);
   lines.Row("Design voltage", capacity.designVoltage);
   lines.Row("Voltage", capacity.voltage);
-  lines.Row("Current", Current(capacity.current));
+  lines.Row("Current", capacity.current);
   lines.Row("Temperature", Temperature(capacity.temperature));
 }
 
@@ -187,6 +176,10 @@ void AddValidity(TextLines& lines, const Validity& validity) {
 }
 
 }  // namespace
+
+std::string WhyNotComputable(bool isDivisorZero, const std::string& divisorName) {
+  return isDivisorZero ? "the " + divisorName + " is 0" : "the figure is too large";
+}
 
 void AddBlock(TextLines& lines, const BatteryReport& battery) {
   AddIdentity(lines, battery.identity);

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <string>
+
 #include "Report.h"
 #include "TextLines.h"
 
 namespace norv::tool {
+
+// Why a percentage of `divisorName` is none.
+std::string WhyNotComputable(bool isDivisorZero, const std::string& divisorName);
 
 // The sections of what a battery-information block says.
 void AddBlock(TextLines& lines, const BatteryReport& battery);

@@ -1,10 +1,10 @@
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "EmptySlot.h"
 #include "EscapeText.h"
 #include "TextBattery.h"
 #include "TextLines.h"
@@ -16,7 +16,6 @@ namespace norv::tool {
 namespace {
 
 constexpr int kSystemFailure = 3;
-constexpr int kValueFailure = 5;
 
 constexpr std::array<std::pair<int, const char*>, 4> kCategories = {{
     {1, "an exception of unknown kind"},
@@ -25,25 +24,14 @@ constexpr std::array<std::pair<int, const char*>, 4> kCategories = {{
     {kValueFailure, "a wrong value, or a return code of the BIOS"},
 }};
 
-// Return codes of the BIOS for a slot that holds no battery.
-constexpr std::array kNoBatteryCodes = {6, 52};
-
 constexpr std::string_view kLegend =
     "Numbers are as the battery's firmware gave them, without units. Firmware that follows the\n"
     "Smart Battery Data Specification means mAh or 10 mWh for capacities, mV for voltages, mA for\n"
     "the current and 0.1 K for the temperature; brackets show that reading where it helps.\n"
     "\\x and two hexadecimal digits stand for a text byte that is no printable ASCII character.";
 
-std::string Subject(const Source& source) {
-  if (source.name.empty()) {
-    return "this machine";
-  }
-  const bool isFolder = std::string_view(source.kind) == "folder";
-  return (isFolder ? "the power supply folder " : "the simulated machine ") + EscapeText(source.name);
-}
-
 void AddSource(TextLines& lines, const Source& source) {
-  lines.Line("Battery report of " + Subject(source));
+  lines.Line("Battery report of " + SubjectText(source));
   if (!source.description.empty()) {
     lines.Line(EscapeText(source.description));
   }
@@ -54,18 +42,12 @@ bool IsFrom(const Failure& failure, std::string_view operation) {
   return failure.function.ends_with(operation);
 }
 
-bool MeansNoBattery(const Failure& failure) {
-  const bool knownCode =
-      std::find(kNoBatteryCodes.begin(), kNoBatteryCodes.end(), failure.code) != kNoBatteryCodes.end();
-  return failure.category == kValueFailure && knownCode && IsFrom(failure, "::ReadNorvBatteryInfo");
-}
-
 // The collection keeps its last error only and does not name the slot. Slot 0 is read before slot 1, each with its cell
 // swell protection data directly after it, and an empty slot 1 leaves no error; often that tells whose error it is.
 const char* AbsentBattery(const Report& report, std::size_t slot) {
   const auto& error = report.readError;
   const bool otherIsPresent = report.batteries.at(1 - slot).has_value();
-  if (!error || MeansNoBattery(*error) || (slot == 1 && otherIsPresent && IsFrom(*error, "::ReadNorvBatteryCSP"))) {
+  if (!error || MeansEmptySlot(*error) || (slot == 1 && otherIsPresent && IsFrom(*error, "::ReadNorvBatteryCSP"))) {
     return "No battery.";
   }
   if (otherIsPresent && IsFrom(*error, "::ReadNorvBatteryInfo")) {
@@ -103,18 +85,24 @@ void AddVerdict(TextLines& lines, int result) {
   }
 }
 
+// Where the run itself did not fail, the collection's words for a verdict that is missing do not say why it is.
+std::string NoVerdictReason(const std::optional<Failure>& error) {
+  const bool isRuns = error && !(error->category == kValueFailure && IsFrom(*error, "::NorvBatteries::RunBatteryTest"));
+  return isRuns ? OrEmpty(std::string(WithoutLineBreak(error->message)))
+                : "the test program left no report with a status that is a number";
+}
+
 void AddTest(TextLines& lines, const TestReport& test) {
   const TestVerdict& verdict = test.verdict;
   lines.Heading("Battery test");
-  if (test.collectionError) {
-    lines.Row("Result code", std::to_string(verdict.result) + " (no verdict)");
+  if (!verdict.result) {
+    lines.Row("Result code", "none (no verdict)");
     lines.Row("Label", verdict.label);
-    lines.Row("Reason", test.error ? OrEmpty(test.error->message)
-                                   : "the test program left no report with a status that is a number");
+    lines.Row("Reason", NoVerdictReason(test.error));
   } else {
-    lines.Row("Result code", std::to_string(verdict.result) + " (" + Hexadecimal(verdict.result) + ")");
+    lines.Row("Result code", std::to_string(*verdict.result) + " (" + Hexadecimal(*verdict.result) + ")");
     lines.Row("Label", verdict.label);
-    AddVerdict(lines, verdict.result);
+    AddVerdict(lines, *verdict.result);
   }
   lines.Row("Test program version", OrEmpty(verdict.version));
 }
@@ -130,9 +118,6 @@ std::string CategoryName(int category) {
 
 std::string CodeText(const Failure& failure) {
   const std::string code = std::to_string(failure.code);
-  if (MeansNoBattery(failure)) {
-    return code + " (the slot holds no battery)";
-  }
   // Codes of the system are looked up by their hexadecimal form.
   return failure.category == kSystemFailure ? code + " (" + Hexadecimal(static_cast<int>(failure.code)) + ")" : code;
 }
@@ -148,20 +133,28 @@ void AddFailure(TextLines& lines, const std::string& heading, const Failure& fai
 
 }  // namespace
 
+std::string SubjectText(const Source& source) {
+  if (source.name.empty()) {
+    return "this machine";
+  }
+  const bool isFolder = std::string_view(source.kind) == "folder";
+  return (isFolder ? "the power supply folder " : "the simulated machine ") + EscapeText(source.name);
+}
+
 std::string TextReport(const Report& report) {
   TextLines lines;
   AddSource(lines, report.source);
   lines.Line("");
   lines.Line(kLegend);
   AddBatteries(lines, report);
+  if (HasNoBattery(report)) {
+    lines.Section("No slot of the machine holds a battery. That is no failure.");
+  }
   if (report.test) {
     AddTest(lines, *report.test);
   }
-  if (report.readError) {
+  if (report.readError && !MeansEmptySlot(*report.readError)) {
     AddFailure(lines, "Last error while the batteries were read", *report.readError);
-  }
-  if (report.test && report.test->collectionError) {
-    AddFailure(lines, "Error of the battery test", *report.test->collectionError);
   }
   return lines.Text();
 }

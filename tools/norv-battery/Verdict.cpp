@@ -62,23 +62,24 @@ constexpr std::array<VerdictClass, 7> kClasses = {{
 
 }  // namespace
 
-std::optional<Verdict> ExplainResult(int code) {
-  if (code < 0) {
+std::optional<Verdict> ExplainResult(std::optional<int> code) {
+  if (!code || *code < 0) {
     return std::nullopt;
   }
-  const auto* const found = std::find_if(kClasses.begin(), kClasses.end(), [code](const VerdictClass& verdictClass) {
-    return verdictClass.digit == code / 16;
+  const int digit = *code / 16;
+  const auto* const found = std::find_if(kClasses.begin(), kClasses.end(), [digit](const VerdictClass& verdictClass) {
+    return verdictClass.digit == digit;
   });
   if (found == kClasses.end()) {
     return std::nullopt;
   }
-  const auto qualifier = static_cast<std::size_t>(code % 16);
+  const auto qualifier = static_cast<std::size_t>(*code % 16);
   return Verdict{found->name, found->meaning,
                  qualifier < found->qualifiers.size() ? found->qualifiers[qualifier] : kUnknownQualifier};
 }
 
-bool IsFailure(int code) {
-  return code >= 0 && code / 16 == kFailDigit;
+bool IsFailure(std::optional<int> code) {
+  return code && *code >= 0 && *code / 16 == kFailDigit;
 }
 
 }  // namespace norv::tool

@@ -12,10 +12,10 @@ struct Verdict {
   const char* qualifier;     // what the code adds to its class; empty when it adds nothing
 };
 
-// Nothing when the code belongs to no class.
-std::optional<Verdict> ExplainResult(int code);
+// Nothing when the code belongs to no class: the test came to no verdict.
+std::optional<Verdict> ExplainResult(std::optional<int> code);
 
 // True when the code's class is FAIL.
-bool IsFailure(int code);
+bool IsFailure(std::optional<int> code);
 
 }  // namespace norv::tool

@@ -6,6 +6,9 @@
 
 namespace norv::tool {
 
+// What a report is of, in the words of its first line: "the simulated machine two-batteries".
+std::string SubjectText(const Source& source);
+
 // For people: aligned names and values, ASCII only.
 std::string TextReport(const Report& report);
 

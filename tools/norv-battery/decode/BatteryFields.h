@@ -27,14 +27,14 @@ void WriteCapacity(Sink& sink, const shared::battery::NorvBatteryInfo& battery) 
   sink.Open("capacity");
   sink.Number("designCapacity", battery.GetDesignEnergyCapacity());
   sink.Number("fullChargeCapacity", battery.GetFullEnergyCapacity());
-  sink.Percentage("fullChargeCapacityPercentage", battery.GetFullEnergyCapacityPercentage());
+  sink.Percentage("fullChargeCapacityPercentage", Computed(battery.GetFullEnergyCapacityPercentage()));
   sink.Number("remainingCapacity", battery.GetRemainingCapacity());
-  sink.Percentage("remainingCapacityPercentage", battery.GetRemainingEnergyCapacityPercentage());
+  sink.Percentage("remainingCapacityPercentage", Computed(battery.GetRemainingEnergyCapacityPercentage()));
   sink.Number("maxError", battery.GetMaxErrorPercentage());
   sink.Number("cycleCount", battery.GetCycleCount());
   sink.Number("designVoltage", battery.GetDesignVoltage());
   sink.Number("voltage", battery.GetVoltage());
-  sink.Number("current", battery.GetElectricCurrent());
+  sink.Number("current", SignedCurrent(battery.GetElectricCurrent()));
   sink.Number("temperature", battery.GetTemperature());
   sink.Close();
 }

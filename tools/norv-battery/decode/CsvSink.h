@@ -35,8 +35,12 @@ class CsvSink {
     output_.ExtendTo(to);
   }
   void Number(const char* key, std::optional<int> value) { value ? Number(key, *value) : Null(key); }
-  void Percentage(const char* /*key*/, float value) {
-    char* to = PutPercentage(output_.Reserve(kMostDigits + 1), value);
+  void Percentage(const char* key, std::optional<float> value) {
+    if (!value) {
+      Null(key);
+      return;
+    }
+    char* to = PutPercentage(output_.Reserve(kMostDigits + 1), *value);
     *to++ = ',';
     output_.ExtendTo(to);
   }
@@ -81,7 +85,7 @@ class CsvHeadSink {
     Name(key);
   }
   void Number(const char* key, std::optional<int> /*value*/) { Name(key); }
-  void Percentage(const char* key, float /*value*/) { Name(key); }
+  void Percentage(const char* key, std::optional<float> /*value*/) { Name(key); }
   template <std::size_t Count>
   void Numbers(const char* key, const std::array<int, Count>& /*values*/) {
     for (std::size_t index = 0; index < Count; ++index) {

@@ -6,7 +6,6 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace norv::tool {
@@ -48,17 +47,12 @@ char* PutNumber(char* to, Integer number) {
   return digits < 100 ? PutUpToTwoDigits(to, digits) : PutDigitPair(PutUpToTwoDigits(to, digits / 100), digits % 100);
 }
 
-// Writes a percentage accessor's figure, at most kMostDigits characters, and returns their end. The figure has three
-// decimals, to which a float only comes near; zeros at the end, but for the first decimal, are left out.
+// Writes a percentage, which is not negative, in at most kMostDigits characters, and returns their end. The figure has
+// three decimals, to which a float only comes near; zeros at the end, but for the first decimal, are left out.
 inline char* PutPercentage(char* to, float percentage) {
-  const double scaled = static_cast<double>(percentage) * 1000.0;
-  const auto thousandths = static_cast<std::int64_t>(scaled < 0 ? scaled - 0.5 : scaled + 0.5);
-  if (thousandths < 0) {
-    *to++ = '-';
-  }
-  const auto absolute = static_cast<std::uint64_t>(std::abs(thousandths));
-  to = PutNumber(to, static_cast<std::uint32_t>(absolute / 1000));
-  const auto decimals = static_cast<std::uint32_t>(absolute % 1000);
+  const auto thousandths = static_cast<std::uint64_t>(static_cast<double>(percentage) * 1000.0 + 0.5);
+  to = PutNumber(to, static_cast<std::uint32_t>(thousandths / 1000));
+  const auto decimals = static_cast<std::uint32_t>(thousandths % 1000);
   to[0] = '.';
   to[1] = static_cast<char>('0' + decimals / 100);
   PutDigitPair(to + 2, decimals % 100);

@@ -55,9 +55,13 @@ class JsonSink {
   }
 
   template <std::size_t Size>
-  void Percentage(const char (&key)[Size], float value) {
+  void Percentage(const char (&key)[Size], std::optional<float> value) {
+    if (!value) {
+      Null(key);
+      return;
+    }
     char* to = PutKey(output_.Reserve(Size + kAroundKey + kMostDigits + 1), key);
-    to = PutPercentage(to, value);
+    to = PutPercentage(to, *value);
     *to++ = ',';
     output_.ExtendTo(to);
   }

@@ -20,6 +20,7 @@ struct WordField {
   const char* group;
   const char* key;
   std::size_t offset;
+  std::int64_t lowest = 0;
 };
 
 constexpr std::array<WordField, 10> kWords{{
@@ -30,7 +31,7 @@ constexpr std::array<WordField, 10> kWords{{
     {"capacity", "cycleCount", 0x08},
     {"capacity", "temperature", 0x0A},
     {"capacity", "voltage", 0x0C},
-    {"capacity", "current", 0x0E},
+    {"capacity", "current", 0x0E, -0x8000},
     {"capacity", "designVoltage", 0x10},
     {"status", "word", 0x12},
 }};
@@ -74,11 +75,22 @@ void PutWord(Block& block, std::size_t offset, std::uint64_t word) {
   block[offset + 1] = static_cast<unsigned char>(word >> 8U);
 }
 
-void PutNumber(Block& block, std::size_t offset, const Value& number, const std::string& path) {
+// Nothing for what is no whole number of `lowest` to 65535; a negative one becomes its two's complement.
+std::optional<std::uint16_t> WordOf(const Value& number, std::int64_t lowest) {
   constexpr std::uint64_t kHighest = 0xFFFF;
-  const auto* const word = number.As<std::uint64_t>();
-  if (word == nullptr || *word > kHighest) {
-    Fail(path, "a whole number of 0 to 65535", number);
+  if (const auto* const word = number.As<std::uint64_t>()) {
+    return *word <= kHighest ? std::optional(static_cast<std::uint16_t>(*word)) : std::nullopt;
+  }
+  const auto* const negative = number.As<std::int64_t>();
+  return negative != nullptr && *negative >= lowest ? std::optional(static_cast<std::uint16_t>(*negative))
+                                                    : std::nullopt;
+}
+
+void PutNumber(Block& block, std::size_t offset, const Value& number, const std::string& path,
+               std::int64_t lowest = 0) {
+  const auto word = WordOf(number, lowest);
+  if (!word) {
+    Fail(path, "a whole number of " + std::to_string(lowest) + " to 65535", number);
   }
   PutWord(block, offset, *word);
 }
@@ -150,7 +162,8 @@ void PutDate(Block& block, const Value& date) {
 Block BlockFromJson(const Value& battery) {
   Block block{};
   for (const WordField& field : kWords) {
-    PutNumber(block, field.offset, Member(battery, field.group, field.key), std::string(field.group) + "." + field.key);
+    PutNumber(block, field.offset, Member(battery, field.group, field.key), std::string(field.group) + "." + field.key,
+              field.lowest);
   }
   PutCells(block, Member(battery, "cells", "voltages"));
   for (const TextField& field : kTexts) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "EmptySlot.h"
 #include "ExitStatus.h"
 #include "Machine.h"
 #include "OutputTarget.h"
@@ -46,20 +47,22 @@ int RunRecord(const RecordOptions& options) {
     return kUnusable;
   }
   simulator::MachineRecorder recorder(platform::Platform::Current());
-  bool hasBattery = false;
+  Report report;
   {
     const platform::ScopedPlatform scope(recorder);
-    hasBattery = ReadReport(machine.source, {options.cellSwell, options.test}).HasBattery();
+    report = ReadReport(machine.source, {options.cellSwell, options.test});
   }
   const std::string text =
       recorder.MachineText({OriginOf(machine.source), options.redact ? MakeHash(ChooseKey(key)) : nullptr});
   if (!output->Write(text) || !output->Complete()) {
     return kUnusable;
   }
-  if (!hasBattery) {
-    Complain("no battery could be read; the recording holds why");
+  if (report.HasBattery()) {
+    return kSuccess;
   }
-  return hasBattery ? kSuccess : kNoBattery;
+  Complain(HasNoBattery(report) ? "the recorded machine has no battery"
+                                : "no battery could be read; the recording holds why");
+  return kNoBattery;
 }
 
 }  // namespace norv::tool

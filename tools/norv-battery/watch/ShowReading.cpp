@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "EmptySlot.h"
 #include "EscapeText.h"
+#include "TextBattery.h"
 #include "json/Write.h"
 
 namespace norv::tool {
@@ -68,14 +70,51 @@ std::string ValueText(const Value& value) {
   return value.IsNull() ? "none" : json::Write(value);
 }
 
-// The current is a signed word: what it is for a battery that discharges.
+// A percentage of the JSON report, which is null where it cannot be computed.
+struct PercentageKeys {
+  std::string_view key;
+  const char* divisorKey;
+  const char* divisorName;
+};
+
+constexpr std::array kPercentages = {
+    PercentageKeys{"fullChargeCapacityPercentage", "designCapacity", "design capacity"},
+    PercentageKeys{"remainingCapacityPercentage", "fullChargeCapacity", "full charge capacity"},
+};
+
+const PercentageKeys* FindPercentage(std::string_view key) {
+  const auto* const found = std::find_if(kPercentages.begin(), kPercentages.end(),
+                                         [key](const PercentageKeys& percentage) { return percentage.key == key; });
+  return found != kPercentages.end() ? found : nullptr;
+}
+
+std::string MemberText(std::string_view key, const Value& value) {
+  return value.IsNull() && FindPercentage(key) != nullptr ? "not computable" : ValueText(value);
+}
+
+// The column has no room for why a percentage is none; the divisor stands in a row above.
 std::string RowText(const TableRow& row, const Value& value) {
-  constexpr std::uint64_t kWordSize = 65536;
-  const auto* const word = value.As<std::uint64_t>();
-  if (std::string_view(row.key) == "current" && word != nullptr && *word >= kWordSize / 2) {
-    return "-" + std::to_string(kWordSize - *word);
+  return MemberText(row.key, value) + (value.IsNull() ? "" : row.unit);
+}
+
+// In brackets why what has changed cannot be computed any more; empty for any other change.
+std::string ReasonText(std::string_view key, const Value& after, const Value& battery) {
+  const PercentageKeys* const percentage = FindPercentage(key);
+  if (percentage == nullptr || !after.IsNull()) {
+    return "";
   }
-  return ValueText(value) + row.unit;
+  return " (" + WhyNotComputable(battery["capacity"][percentage->divisorKey] == 0, percentage->divisorName) + ")";
+}
+
+// That a slot is empty is no failure, and is told as "removed" or "no battery".
+const Value& WithoutEmptySlot(const Value& error) {
+  static const Value none = nullptr;
+  const auto code = error["code"].Number();
+  const auto category = error["category"].Number();
+  const auto* const function = error["function"].As<std::string>();
+  const bool isEmptySlot = code && category && function != nullptr &&
+                           MeansEmptySlot(static_cast<int>(*category), static_cast<std::int64_t>(*code), *function);
+  return isEmptySlot ? none : error;
 }
 
 bool IsChanged(const std::string& path, const std::vector<Change>& changes) {
@@ -171,7 +210,9 @@ bool IsPresenceChanged(std::size_t slot, const std::vector<Change>& changes) {
 }
 
 // "Battery 1  capacity.voltage  11800 -> 11790"
-std::string ChangeLine(const Change& change) {
+std::string ChangeLine(const Change& change, const Array& batteries) {
+  const std::string_view key = std::string_view(change.path).substr(change.path.find_last_of('.') + 1);
+  const std::string values = MemberText(key, change.before) + " -> " + MemberText(key, change.after);
   for (std::size_t slot = 0; slot < kSlotCount; ++slot) {
     const std::string path = BatteryPath(slot);
     const std::string name = "Battery " + std::to_string(slot + 1) + "  ";
@@ -179,11 +220,24 @@ std::string ChangeLine(const Change& change) {
       return name + PresenceText(change.after, true) + (change.after.IsNull() ? "" : ": " + BatteryName(change.after));
     }
     if (change.path.starts_with(path + ".")) {
-      return name + change.path.substr(path.size() + 1) + "  " + ValueText(change.before) + " -> " +
-             ValueText(change.after);
+      return name + change.path.substr(path.size() + 1) + "  " + values +
+             ReasonText(key, change.after, batteries[slot]);
     }
   }
-  return change.path + "  " + ValueText(change.before) + " -> " + ValueText(change.after);
+  return change.path + "  " + values;
+}
+
+// Those that people are told of.
+std::vector<Change> ToldChanges(const std::vector<Change>& changes) {
+  std::vector<Change> told;
+  for (const Change& change : changes) {
+    if (change.path != "readError") {
+      told.push_back(change);
+    } else if (WithoutEmptySlot(change.before) != WithoutEmptySlot(change.after)) {
+      told.push_back({change.path, WithoutEmptySlot(change.before), WithoutEmptySlot(change.after)});
+    }
+  }
+  return told;
 }
 
 }  // namespace
@@ -203,18 +257,19 @@ std::string JsonLine(const Reading& reading, const std::vector<Change>& changes)
 
 std::string TextBlock(const Reading& reading, const std::vector<Change>& changes) {
   std::string text = "Reading " + std::to_string(reading.number) + ", " + reading.time + '\n';
+  const Array& batteries = BatteriesOf(reading);
   if (reading.number == 1) {
-    const Array& batteries = BatteriesOf(reading);
     for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
       text += "  Battery " + std::to_string(slot + 1) + "  " + PresenceText(batteries[slot], false) +
               (batteries[slot].IsNull() ? "" : ": " + BatteryName(batteries[slot])) + '\n';
     }
     return text;
   }
-  for (const Change& change : changes) {
-    text += "  " + ChangeLine(change) + '\n';
+  const std::vector<Change> told = ToldChanges(changes);
+  for (const Change& change : told) {
+    text += "  " + ChangeLine(change, batteries) + '\n';
   }
-  return changes.empty() ? text + "  no change\n" : text;
+  return told.empty() ? text + "  no change\n" : text;
 }
 
 std::string Screen(const std::string& title, const Reading& reading, const std::vector<Change>& changes) {
@@ -234,7 +289,7 @@ std::string Screen(const std::string& title, const Reading& reading, const std::
   AddScreenLine(presence, screen);
   AddRows(reading, changes, screen);
   AddCellSwellRows(reading, changes, screen);
-  const Value& readError = *reading.body.Find("readError");
+  const Value& readError = WithoutEmptySlot(*reading.body.Find("readError"));
   if (!readError.IsNull()) {
     AddScreenLine("", screen);
     AddScreenLine("Last error: " + ValueText(readError), screen);

@@ -4,12 +4,12 @@
 #include <cstdio>
 
 #include "BinaryStreams.h"
-#include "EscapeText.h"
 #include "ExitStatus.h"
 #include "Machine.h"
 #include "ReadReport.h"
 #include "StandardStreams.h"
 #include "Terminal.h"
+#include "WriteReport.h"
 #include "norv/platform/Platform.h"
 #include "watch/Interrupt.h"
 #include "watch/ShowReading.h"
@@ -33,8 +33,7 @@ Form ChooseForm(const std::optional<WatchFormat>& format) {
 std::string Title(const Source& source, std::chrono::duration<double> interval) {
   std::array<char, 32> seconds{};
   std::snprintf(seconds.data(), seconds.size(), "%g", interval.count());
-  const std::string machine = source.name.empty() ? "this machine" : EscapeText(source.name);
-  return "Batteries of " + machine + ", read every " + seconds.data() + " s; Ctrl-C ends";
+  return "Batteries of " + SubjectText(source) + ", read every " + seconds.data() + " s; Ctrl-C ends";
 }
 
 class Watch {
