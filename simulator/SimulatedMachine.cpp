@@ -73,6 +73,10 @@ const std::optional<Origin>& SimulatedMachine::RecordedFrom() const {
   return parts_->machine->origin;
 }
 
+std::optional<std::time_t> SimulatedMachine::Clock() const {
+  return parts_->machine->now;
+}
+
 const std::vector<Operation>& SimulatedMachine::Operations() const {
   return parts_->recorder.Operations();
 }

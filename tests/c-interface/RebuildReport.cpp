@@ -179,8 +179,12 @@ Json ReportJson(const std::string& sample, const simulator::SimulatedMachine& ma
   options.flags = NORV_BATTERY_READ_CELL_SWELL;
   const Collection collection(&options);
   Json report;
-  report["source"] = {
-      {"kind", "sample"}, {"name", sample}, {"description", machine.Description()}, {"channel", "a machine file"}};
+  report["source"] = {{"kind", "sample"},
+                      {"name", sample},
+                      {"description", machine.Description()},
+                      {"channel", "a machine file"},
+                      {"isRecording", false},
+                      {"recordedAt", nullptr}};
   const Json readError = FailureJson(CollectionFailure(collection.Get()));
   Json error = readError;
   Json test;

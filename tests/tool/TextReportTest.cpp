@@ -77,6 +77,11 @@ TEST(TextReport, SaysWhereItWasRead) {
   report.source = {"file", "x.json", "Words", "a machine file"};
   EXPECT_THAT(TextReport(report), testing::StartsWith("Battery report of the simulated machine x.json\nWords\n"
                                                       "Read from: a machine file\n\n"));
+  report.source = {"machine", "", "", "a driver", true, "2024-06-01T12:00:00Z"};
+  EXPECT_THAT(TextReport(report),
+              testing::StartsWith("Battery report of a recording of the machine that it was made on\n"
+                                  "Recorded 2024-06-01T12:00:00Z, by the clock of that machine\n"
+                                  "Read from: a driver\n\n"));
 }
 
 TEST(TextReport, EmptySecondSlotIsNoBattery) {

@@ -208,7 +208,8 @@ class MachineTest(ToolTest):
         self.assertEqual("norv-battery report --machine two-batteries" in done.stderr, done.returncode == 1)
         done = self.run_tool("report", "--format", "json")
         self.assertEqual(json.loads(done.stdout)["source"],
-                         {"kind": "machine", "name": "", "description": "", "channel": "the system's battery driver"})
+                         {"kind": "machine", "name": "", "description": "", "channel": "the system's battery driver",
+                          "isRecording": False, "recordedAt": None})
 
     def test_machine_without_battery(self):
         done = self.run_tool("report", "--machine", "no-battery")
@@ -252,7 +253,8 @@ class PowerSupplyTest(ToolTest):
         self.assertIn("Driver's state of charge        80 %", done.stdout)
         report = json.loads(self.run_tool("report", "--power-supply", self.folder.name, "--format", "json").stdout)
         self.assertEqual(report["source"], {"kind": "folder", "name": self.folder.name, "description": "",
-                                            "channel": "the system's battery driver"})
+                                            "channel": "the system's battery driver", "isRecording": False,
+                                            "recordedAt": None})
         self.assertEqual(report["batteries"][0]["capacity"]["driverStateOfCharge"], 80)
 
     def test_folder_without_battery(self):

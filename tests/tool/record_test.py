@@ -37,6 +37,15 @@ def run_tool(*arguments, **more):
                           env=dict(os.environ, TZ="UTC"), **more)
 
 
+# The head of a report of a recording, which says that it is one and when it was made; the rest is that of the machine.
+HEAD = re.compile(rb'^Battery report of a recording of (.*\r?\n)(?:Recorded [^\r\n]*\r?\n)?|"isRecording": true,\n *"recordedAt": [^\n]*')
+OF_THE_MACHINE_ITSELF = {b"B": rb"Battery report of \1", b'"': b'"isRecording": false,\n    "recordedAt": null'}
+
+
+def without_head(report):
+    return HEAD.sub(lambda found: found.expand(OF_THE_MACHINE_ITSELF[found[0][:1]]), report)
+
+
 class RecordCase(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -71,7 +80,8 @@ class RecordCase(unittest.TestCase):
                 for form in ("text", "json"):
                     expected = self.report(machine, *option, "--format", form)
                     self.assertNotEqual(expected[0], 2, expected[2])
-                    self.assertEqual(self.report(self.recording, *option, "--format", form), expected)
+                    status, report, errors = self.report(self.recording, *option, "--format", form)
+                    self.assertEqual((status, without_head(report), errors), expected)
 
 
 class RecordTest(RecordCase):
@@ -103,6 +113,25 @@ class RecordTest(RecordCase):
             self.expect_the_same_reports(machine, [["--cell-swell", "--test"]])
         failing = json.loads((MACHINES / "channel-failure.json").read_text(encoding="utf-8"))
         self.expect_the_same_reports(self.write("message.json", {**failing, "faults": faults[-1:]}))
+
+    def test_the_head_says_that_it_is_a_recording(self):
+        contents, _ = self.record("two-batteries")
+        clock = contents["clock"]["now"].encode()
+        text = self.report(self.recording)[1].replace(b"\r\n", b"\n")
+        self.assertTrue(text.startswith(b"Battery report of a recording of the simulated machine two-batteries\n"
+                                        b"Recorded " + clock + b", by the clock of that machine\n"), text[:200])
+        source = json.loads(self.report(self.recording, "--format", "json")[1])["source"]
+        self.assertEqual((source["isRecording"], source["recordedAt"]), (True, clock.decode()))
+        watched = run_tool("record", "--machine", self.recording)
+        self.assertEqual(json.loads(watched.stdout), contents)
+
+    def test_a_recording_without_a_clock_does_not_say_when(self):
+        contents, _ = self.record("two-batteries")
+        del contents["clock"]
+        self.write("recording.json", contents)
+        self.assertNotIn(b"Recorded ", self.report(self.recording)[1])
+        source = json.loads(self.report(self.recording, "--format", "json")[1])["source"]
+        self.assertEqual((source["isRecording"], source["recordedAt"]), (True, None))
 
     def test_a_recording_of_a_file_names_the_file(self):
         machine = self.write("mine.json", {"description": "My machine", "slots": [{"battery": BATTERY}]})
@@ -299,7 +328,7 @@ class RedactionTest(RecordCase):
         plain = json.loads(self.report(path, "--format", "json", "--cell-swell", "--test")[1])
         contents = self.redacted(path)
         self.expect_no_secret()
-        redacted = json.loads(self.report(self.recording, "--format", "json", "--cell-swell", "--test")[1])
+        redacted = json.loads(without_head(self.report(self.recording, "--format", "json", "--cell-swell", "--test")[1]))
         self.expect_alike(plain, redacted)
         return contents, plain
 
@@ -377,7 +406,8 @@ class LinuxTest(RecordCase):
         for form in ("text", "json"):
             expected = run_tool("report", *source, "--format", form)
             self.assertIn(b"0815", expected.stdout)
-            self.assertEqual(self.report(self.recording, "--format", form), (0, expected.stdout, expected.stderr))
+            status, report, errors = self.report(self.recording, "--format", form)
+            self.assertEqual((status, without_head(report), errors), (0, expected.stdout, expected.stderr))
 
     def test_the_name_of_a_redacted_folder(self):
         folder = pathlib.Path(self.folder.name, "karlotta", "power_supply")
@@ -401,7 +431,7 @@ class LinuxTest(RecordCase):
         SCHEMA.validate(contents)
         self.assertEqual(contents["recordedFrom"]["kind"], "machine")
         pathlib.Path(self.recording).write_bytes(done.stdout)
-        self.assertIn(b"Battery report of this machine\n", self.report(self.recording)[1])
+        self.assertIn(b"Battery report of a recording of the machine that it was made on\n", self.report(self.recording)[1])
 
 
 def main():

@@ -8,6 +8,7 @@
 
 #include "BatteryFolder.h"
 #include "EscapeText.h"
+#include "TimeText.h"
 
 namespace norv::tool {
 
@@ -31,12 +32,21 @@ const char* KindName(const std::string& kind) {
   return found != kKinds.end() ? *found : kKinds.front();
 }
 
+std::optional<std::string> ClockText(const SimulatedMachine& machine) {
+  const auto time = machine.Clock();
+  return time ? std::optional(TimeText(*time)) : std::nullopt;
+}
+
 // A recording stands for the machine that it was made of.
-Machine Attach(const char* kind, const std::string& name, std::unique_ptr<SimulatedMachine> machine) {
-  Source source{kind, name, machine->Description(), ""};
-  if (const auto& origin = machine->RecordedFrom()) {
-    source = {KindName(origin->kind), origin->name, origin->description, ""};
+Source SourceOf(const char* kind, const std::string& name, const SimulatedMachine& machine) {
+  if (const auto& origin = machine.RecordedFrom()) {
+    return {KindName(origin->kind), origin->name, origin->description, "", true, ClockText(machine)};
   }
+  return {kind, name, machine.Description(), ""};
+}
+
+Machine Attach(const char* kind, const std::string& name, std::unique_ptr<SimulatedMachine> machine) {
+  Source source = SourceOf(kind, name, *machine);
   return {std::move(source), std::move(machine), nullptr};
 }
 

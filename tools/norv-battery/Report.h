@@ -136,7 +136,9 @@ struct Source {
       "machine";  // "machine" (the running one), "sample", "file" or "folder" (of the power supply class)
   std::string name;
   std::string description;
-  std::string channel;  // what answered for the batteries, in a few words
+  std::string channel;                                   // what answered for the batteries, in a few words
+  bool isRecording = false;                              // of the machine that the rest tells of
+  std::optional<std::string> recordedAt = std::nullopt;  // by that machine's clock, where the recording has it
 };
 
 // True where the driver's own state of charge is more than a point away from the computed one, or stands alone because

@@ -32,6 +32,9 @@ constexpr std::string_view kLegend =
 
 void AddSource(TextLines& lines, const Source& source) {
   lines.Line("Battery report of " + SubjectText(source));
+  if (source.recordedAt) {
+    lines.Line("Recorded " + *source.recordedAt + ", by the clock of that machine");
+  }
   if (!source.description.empty()) {
     lines.Line(EscapeText(source.description));
   }
@@ -134,11 +137,12 @@ void AddFailure(TextLines& lines, const std::string& heading, const Failure& fai
 }  // namespace
 
 std::string SubjectText(const Source& source) {
+  const std::string recording = source.isRecording ? "a recording of " : "";
   if (source.name.empty()) {
-    return "this machine";
+    return recording + (source.isRecording ? "the machine that it was made on" : "this machine");
   }
   const bool isFolder = std::string_view(source.kind) == "folder";
-  return (isFolder ? "the power supply folder " : "the simulated machine ") + EscapeText(source.name);
+  return recording + (isFolder ? "the power supply folder " : "the simulated machine ") + EscapeText(source.name);
 }
 
 std::string TextReport(const Report& report) {

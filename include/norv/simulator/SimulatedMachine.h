@@ -1,6 +1,7 @@
 // A notebook described by a file, for tests, demonstrations and offline work.
 #pragma once
 
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -54,6 +55,9 @@ class SimulatedMachine {
 
   // The machine that was recorded into the file; nothing for one that no recorder made.
   const std::optional<Origin>& RecordedFrom() const;
+
+  // Where the machine's clock stands; nothing where it is the running system's.
+  std::optional<std::time_t> Clock() const;
 
   // Everything asked of the machine so far, in order.
   const std::vector<Operation>& Operations() const;
