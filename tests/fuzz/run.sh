@@ -28,27 +28,46 @@ fi
 Build() {
   cmake -S "$here/../.." -B "$folder/build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ \
     -DCMAKE_CXX_FLAGS="-O1 -gline-tables-only" -DNORV_BATTERY_SANITIZE=address,undefined,fuzzer-no-link \
-    -DNORV_BATTERY_BUILD_FUZZERS=ON &&
+    -DCMAKE_UNITY_BUILD=ON -DNORV_BATTERY_BUILD_FUZZERS=ON &&
     cmake --build "$folder/build" --target "${targets[@]/#/norv-battery-fuzz-}"
 }
 
-# The inputs of the crashes are named at the end of the target's output.
+# One target, with what it says in a log.
 Fuzz() {
-  local target=$1 status=0 muted=1
+  local target=$1 muted=1
   [[ $target == encode || $target == machine-reports ]] && muted=3  # commands complain about nearly every input
   mkdir -p "$folder/corpus/$target" "$folder/crashes"
-  "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -seed="${NORV_FUZZ_SEED:-0}" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-    -max_len=8192 -close_fd_mask="$muted" -dict="$here/dictionaries/$target.dict" -print_final_stats=1 \
+  "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -seed="${NORV_FUZZ_SEED:-0}" -max_total_time="$seconds" -timeout=10 \
+    -rss_limit_mb=2048 -max_len=8192 -close_fd_mask="$muted" -dict="$here/dictionaries/$target.dict" -print_final_stats=1 \
     -artifact_prefix="$folder/crashes/$target-" "$folder/corpus/$target" "$here/corpus/$target" \
-    >"$folder/$target.log" 2>&1 || status=$?
+    >"$folder/$target.log" 2>&1
+}
+
+# All targets, as many at a time as there are processors. Each leaves its status beside its log.
+FuzzAll() {
+  local target
+  for target in "${targets[@]}"; do
+    while [[ $(jobs -rp | wc -l) -ge $(nproc) ]]; do
+      wait -n || true
+    done
+    { Fuzz "$target" && status=0 || status=$?; printf '%d' "$status" >"$folder/$target.status"; } &
+  done
+  wait
+}
+
+# The inputs of the crashes are named at the end of the target's output.
+Outcome() {
+  local target=$1 status
+  status=$(<"$folder/$target.status")
   sed -n 's/^stat::number_of_executed_units: */executed inputs: /p' "$folder/$target.log"
   [[ $status == 0 ]] || tail -n 60 "$folder/$target.log"
   return "$status"
 }
 
 if Check "the fuzz targets build" Build; then
+  FuzzAll
   for target in "${targets[@]}"; do
-    Check "$target: $seconds seconds of inputs without a wrong answer" Fuzz "$target" || true
+    Check "$target: $seconds seconds of inputs without a wrong answer" Outcome "$target" || true
   done
 fi
 Summary

@@ -10,7 +10,8 @@ readonly folder=${1:?usage: tests/threads/run.sh WORK-FOLDER}
 
 Build() {
   cmake -S "$here/../.." -B "$folder" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_COMPILER=clang++ \
-    -DCMAKE_CXX_FLAGS="-O1 -g" -DNORV_BATTERY_SANITIZE=thread -DNORV_BATTERY_BUILD_TOOL=OFF &&
+    -DCMAKE_CXX_FLAGS="-O1 -g" -DNORV_BATTERY_SANITIZE=thread -DNORV_BATTERY_BUILD_TOOL=OFF \
+    -DCMAKE_UNITY_BUILD=ON &&
     cmake --build "$folder" --target norv-battery-threads-tests
 }
 

@@ -126,10 +126,10 @@ class FaultsTest : public testing::Test {
     if (status == 2) {
       EXPECT_THAT(complaint, testing::StartsWith("norv-battery: "));
     }
-    EXPECT_EQ(FoldersLeft(), 0);
+    EXPECT_EQ(Folders(), before_);
   }
 
-  static int FoldersLeft() {
+  static int Folders() {
     int count = 0;
     for (const auto& entry : fs::directory_iterator(fs::temp_directory_path())) {
       count += entry.path().filename().string().starts_with("norv-simulated-machine-") ? 1 : 0;
@@ -137,6 +137,7 @@ class FaultsTest : public testing::Test {
     return count;
   }
 
+  int before_ = Folders();
   fs::path file_ = fs::temp_directory_path() / "machine-with-a-fault.json";
 };
 
