@@ -61,10 +61,11 @@ def tidy(entry, tool, arguments, work):
 
 
 def main():
-    work = pathlib.Path(sys.argv[1])
+    work = pathlib.Path(sys.argv[1]).resolve()
     names = sys.argv[2:]
     arguments = names[names.index("--") + 1:] if "--" in names else []
-    folders = [ROOT / name for name in names[:len(names) - len(arguments)] if name != "--"]
+    # Sources that are joined lie below the same names in the build.
+    folders = [base / name for name in names[:len(names) - len(arguments)] if name != "--" for base in (ROOT, work)]
     entries = {}
     for entry in json.loads((work / "compile_commands.json").read_text(encoding="utf-8")):
         if any(folder in pathlib.Path(entry["file"]).parents for folder in folders):
@@ -75,7 +76,7 @@ def main():
     tool = run(["clang-tidy", "--version"], work).stdout
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         complaints = list(pool.map(lambda entry: tidy(entry, tool, arguments, work), entries.values()))
-    print("".join(complaints), end="")
+    print("\n".join(complaints), end="")
     sys.exit(1 if any(complaints) else 0)
 
 
