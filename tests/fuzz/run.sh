@@ -10,7 +10,7 @@ folder=$(cd "$1" && pwd)
 readonly folder
 readonly seconds=${2:-20}
 targets=("${@:3}")
-[[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file machine-reports decode-binary decode-hex encode)
+[[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file machine-reports decode-binary decode-hex decode-dump encode)
 readonly targets
 for target in "${targets[@]}"; do
   if [[ ! -d $here/corpus/$target ]]; then
