@@ -50,7 +50,9 @@ char* PutNumber(char* to, Integer number) {
 // Writes a percentage, which is not negative, in at most kMostDigits characters, and returns their end. The figure has
 // three decimals, to which a float only comes near; zeros at the end, but for the first decimal, are left out.
 inline char* PutPercentage(char* to, float percentage) {
-  const auto thousandths = static_cast<std::uint64_t>(static_cast<double>(percentage) * 1000.0 + 0.5);
+  constexpr double kHalf = 0.5;
+  const double rounded = static_cast<double>(percentage) * 1000.0 + kHalf;
+  const auto thousandths = static_cast<std::uint64_t>(rounded);
   to = PutNumber(to, static_cast<std::uint32_t>(thousandths / 1000));
   const auto decimals = static_cast<std::uint32_t>(thousandths % 1000);
   to[0] = '.';

@@ -17,9 +17,9 @@ using json::Value;
 
 // A 16-bit little-endian word of a block.
 struct WordField {
-  const char* group;
-  const char* key;
-  std::size_t offset;
+  const char* group = "";
+  const char* key = "";
+  std::size_t offset = 0;
   std::int64_t lowest = 0;
 };
 

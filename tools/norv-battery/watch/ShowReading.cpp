@@ -220,8 +220,9 @@ std::string ChangeLine(const Change& change, const Array& batteries) {
       return name + PresenceText(change.after, true) + (change.after.IsNull() ? "" : ": " + BatteryName(change.after));
     }
     if (change.path.starts_with(path + ".")) {
-      return name + change.path.substr(path.size() + 1) + "  " + values +
-             ReasonText(key, change.after, batteries[slot]);
+      std::string line = name;
+      line.append(change.path, path.size() + 1).append("  ").append(values);
+      return line.append(ReasonText(key, change.after, batteries[slot]));
     }
   }
   return change.path + "  " + values;
