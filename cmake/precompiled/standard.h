@@ -1,5 +1,5 @@
-// What most sources of the project include of the standard library. Compiled once where NORV_BATTERY_PRECOMPILE is on; a
-// build without it, such as plain CMake's, sees whether each source includes what it needs by itself.
+// What most sources of the project include of the standard library. Compiled once where NORV_BATTERY_PRECOMPILE is on;
+// a build without it, such as plain CMake's, sees whether each source includes what it needs by itself.
 #pragma once
 
 #include <algorithm>
