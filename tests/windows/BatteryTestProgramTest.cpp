@@ -82,7 +82,8 @@ TEST_F(BatteryTestProgram, IsNotStartedWithoutAVersionResource) {
   EXPECT_FALSE(ProgramHasRun());
 }
 
-// The system's 8-bit encoding takes an "a" for the library's folder.
+// The system's 8-bit encoding takes an "a" for the library's folder. A Windows that is set to UTF-8 takes no character
+// for another, and has nothing to refuse.
 TEST_F(BatteryTestProgram, OfAFolderOfASimilarNameIsNotStarted) {
   if (GetACP() == CP_UTF8) {
     GTEST_SKIP() << "an encoding that has every character";
