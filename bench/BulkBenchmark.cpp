@@ -10,8 +10,8 @@
 #include <string>
 #include <utility>
 
-#include "OutputTarget.h"
 #include "decode/Decode.h"
+#include "output/OutputTarget.h"
 #include "support/Blocks.h"
 
 namespace norv::bench {

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+#include "firmware/BatteryInformationBlock.h"
+#include "firmware/Commands.h"
 #include "norv/simulator/SimulatedMachine.h"
 
 namespace norv::bench {
@@ -18,6 +20,10 @@ constexpr char kCodes[] = "0123456789ABC";
 constexpr std::array<const char*, 6> kManufacturers = {"0c0-cc-00-A", "0cc-cc-x-A", "0c-cc-xx-A",
                                                        "0c0-cc-A",    "0c-cc-A",    "0c0cc-A"};
 
+void PutWord(Block& block, firmware::Field field, std::uint32_t word) {
+  firmware::PutWord(block.data(), field, static_cast<std::uint16_t>(word));
+}
+
 }  // namespace
 
 std::uint32_t BlockGenerator::Below(std::uint32_t bound) {
@@ -28,13 +34,8 @@ char BlockGenerator::Pick(const char* characters, std::size_t count) {
   return characters[Below(static_cast<std::uint32_t>(count))];
 }
 
-void BlockGenerator::PutWord(Block& block, std::size_t offset, std::uint32_t word) {
-  block[offset] = static_cast<unsigned char>(word & 0xFFU);
-  block[offset + 1] = static_cast<unsigned char>((word >> 8U) & 0xFFU);
-}
-
-void BlockGenerator::PutText(Block& block, std::size_t offset, std::size_t width, const char* layout) {
-  for (std::size_t position = 0; position < width && layout[position] != '\0'; ++position) {
+void BlockGenerator::PutText(Block& block, firmware::Field field, const char* layout) {
+  for (std::size_t position = 0; position < field.width && layout[position] != '\0'; ++position) {
     char character = layout[position];
     if (character == 'x') {
       character = Pick(kLettersAndDigits, sizeof kLettersAndDigits - 1);
@@ -43,7 +44,7 @@ void BlockGenerator::PutText(Block& block, std::size_t offset, std::size_t width
     } else if (character == '0') {
       character = Pick(kLettersAndDigits, 10);
     }
-    block[offset + position] = static_cast<unsigned char>(character);
+    block[field.offset + position] = static_cast<unsigned char>(character);
   }
 }
 
@@ -58,51 +59,48 @@ void BlockGenerator::PutSerialNumber(Block& block) {
   } else {
     std::snprintf(text.data(), text.size(), "%05u %02u/%02u/%04u", Below(100000), month, day, year);
   }
-  std::memcpy(block.data() + 0x1C, text.data(), 16);
+  std::memcpy(block.data() + firmware::kSerialNumber.offset, text.data(), firmware::kSerialNumber.width);
 }
 
 Block BlockGenerator::Likely() {
   Block block{};
   const std::uint32_t design = 3000 + Below(6000);
   const std::uint32_t full = design / 2 + Below(design / 2);
-  PutWord(block, 0x00, design);
-  PutWord(block, 0x02, full);
-  PutWord(block, 0x04, Below(full));
-  PutWord(block, 0x06, Below(10));
-  PutWord(block, 0x08, Below(1200));
-  PutWord(block, 0x0A, 2731 + Below(500));
-  PutWord(block, 0x0C, 9000 + Below(4000));
-  PutWord(block, 0x0E, Below(0x10000));
-  PutWord(block, 0x10, 11550);
-  PutWord(block, 0x12, 0x0080U | Below(4) << 5U);
+  PutWord(block, firmware::kDesignCapacity, design);
+  PutWord(block, firmware::kFullChargeCapacity, full);
+  PutWord(block, firmware::kRemainingCapacity, Below(full));
+  PutWord(block, firmware::kMaxError, Below(10));
+  PutWord(block, firmware::kCycleCount, Below(1200));
+  PutWord(block, firmware::kTemperature, 2731 + Below(500));
+  PutWord(block, firmware::kVoltage, 9000 + Below(4000));
+  PutWord(block, firmware::kCurrent, Below(0x10000));
+  PutWord(block, firmware::kDesignVoltage, 11550);
+  PutWord(block, firmware::kBatteryStatus, 0x0080U | Below(4) << 5U);
   for (std::size_t cell = 0; cell < 3; ++cell) {
-    PutWord(block, 0x14 + 2 * cell, 3500 + Below(800));
+    PutWord(block, firmware::kCellVoltages[cell], 3500 + Below(800));
   }
   PutSerialNumber(block);
-  PutText(block, 0x2C, 18, kManufacturers[Below(kManufacturers.size())]);
-  PutText(block, 0x3E, 16, "6xxxxxxxxxxxxx");
-  PutText(block, 0x4F, 7, "NV0x00");
-  PutWord(block, 0x5C, (32 + Below(14)) << 9U | (1 + Below(12)) << 5U | (1 + Below(28)));
+  PutText(block, firmware::kManufacturer, kManufacturers[Below(kManufacturers.size())]);
+  PutText(block, firmware::kCtNumber, "6xxxxxxxxxxxxx");
+  PutText(block, firmware::kDeviceName, "NV0x00");
+  PutWord(block, firmware::kManufactureDate, (32 + Below(14)) << 9U | (1 + Below(12)) << 5U | (1 + Below(28)));
   return block;
 }
 
 // Changes one character of a text into any byte.
-void BlockGenerator::Spoil(Block& block, std::size_t offset, std::size_t width) {
+void BlockGenerator::Spoil(Block& block, firmware::Field field) {
   constexpr char kTelling[] = "\0 -/.A0169\"\\,\n\x7F\x80\xFF";
-  const std::size_t place = offset + Below(static_cast<std::uint32_t>(width));
+  const std::size_t place = field.offset + Below(static_cast<std::uint32_t>(field.width));
   block[place] =
       static_cast<unsigned char>(OneIn(2) ? Pick(kTelling, sizeof kTelling - 1) : static_cast<char>(Below(256)));
 }
 
 void BlockGenerator::PutOddTexts(Block& block) {
-  struct Place {
-    std::size_t offset;
-    std::size_t width;
-  };
-  constexpr std::array<Place, 4> kTexts{{{0x1C, 16}, {0x2C, 18}, {0x3E, 16}, {0x4F, 7}}};
-  for (const Place& text : kTexts) {
+  constexpr std::array kTexts{firmware::kSerialNumber, firmware::kManufacturer, firmware::kCtNumber,
+                              firmware::kDeviceName};
+  for (const firmware::Field text : kTexts) {
     if (OneIn(2)) {
-      Spoil(block, text.offset, text.width);
+      Spoil(block, text);
     }
     if (OneIn(12)) {  // cut short, or empty
       const std::size_t kept = Below(static_cast<std::uint32_t>(text.width));
@@ -117,13 +115,13 @@ Block BlockGenerator::Odd() {
     std::generate(block.begin(), block.end(), [this] { return static_cast<unsigned char>(Below(256)); });
     return block;
   }
-  for (std::size_t offset = 0; offset < 0x1C; offset += 2) {
+  for (std::size_t offset = 0; offset < firmware::kSerialNumber.offset; offset += 2) {
     if (OneIn(4)) {
-      PutWord(block, offset, OneIn(3) ? 0 : Below(0x10000));
+      PutWord(block, {offset, 2}, OneIn(3) ? 0 : Below(0x10000));
     }
   }
   PutOddTexts(block);
-  PutWord(block, 0x5C, Below(0x10000));
+  PutWord(block, firmware::kManufactureDate, Below(0x10000));
   return block;
 }
 
@@ -131,13 +129,15 @@ std::vector<Block> SampleBlocks() {
   std::vector<Block> blocks;
   for (const auto& sample : simulator::SampleMachines()) {
     const auto machine = simulator::SimulatedMachine::FromSample(sample.name);
-    for (unsigned char slot = 0; slot < 2; ++slot) {
+    for (unsigned char slot = 0; slot < firmware::kSlotCount; ++slot) {
       Block input{};
       input[0] = slot;
       Block block{};
       std::uint32_t returnCode = 0;
-      if (machine->AsPlatform().SendBiosCommand(1, 7, 1, input.data(), input.size(), block.data(), &returnCode) == 0 &&
-          returnCode == 0) {
+      if (machine->AsPlatform().SendBiosCommand(
+              firmware::kRead, static_cast<std::uint32_t>(firmware::Command::BatteryInformation), firmware::kOfBattery,
+              input.data(), input.size(), block.data(), &returnCode) == 0 &&
+          returnCode == firmware::kSuccess) {
         blocks.push_back(block);
       }
     }

@@ -7,9 +7,11 @@
 #include <random>
 #include <vector>
 
+#include "firmware/Block.h"
+
 namespace norv::bench {
 
-using Block = std::array<unsigned char, 128>;
+using firmware::Block;
 
 // Makes blocks without end, the same ones for the same seed on every system.
 class BlockGenerator {
@@ -27,11 +29,10 @@ class BlockGenerator {
   std::uint32_t Below(std::uint32_t bound);
   bool OneIn(std::uint32_t chances) { return Below(chances) == 0; }
   char Pick(const char* characters, std::size_t count);
-  void PutWord(Block& block, std::size_t offset, std::uint32_t word);
-  void PutText(Block& block, std::size_t offset, std::size_t width, const char* layout);
+  void PutText(Block& block, firmware::Field field, const char* layout);
   void PutSerialNumber(Block& block);
   void PutOddTexts(Block& block);
-  void Spoil(Block& block, std::size_t offset, std::size_t width);
+  void Spoil(Block& block, firmware::Field field);
 
   std::mt19937_64 random_;
 };

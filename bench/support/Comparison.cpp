@@ -4,8 +4,8 @@
 #include <sstream>
 #include <tuple>
 
-#include "ReadReport.h"
 #include "battery/NorvBatteryInfo.h"
+#include "report/ReadReport.h"
 
 namespace norv::bench {
 

@@ -7,18 +7,15 @@
 #include <utility>
 
 #include "../Remarks.h"
-#include "access/BiosRead.h"
-#include "record/BatteryInformationBlock.h"
+#include "firmware/BatteryInformationBlock.h"
+#include "firmware/Commands.h"
+#include "firmware/PackedDate.h"
 
 namespace norv::platform {
 
 namespace {
 
-namespace access = shared::battery::access;
-namespace layout = shared::battery::record;
-using layout::Field;
-
-static_assert(sizeof(BatteryBlock) == layout::kBlockSize);
+using firmware::Field;
 
 constexpr std::int64_t kLargestWord = 0xFFFF;
 constexpr std::int64_t kLargestSignedWord = 0x7FFF;
@@ -123,10 +120,7 @@ std::size_t CutLength(std::string_view text, std::size_t width) {
 // Lays fields into a block and keeps what did not fit.
 class BlockWriter {
  public:
-  void Store(Field field, std::uint16_t word) {
-    filled_.block[field.offset] = static_cast<unsigned char>(word & 0xFFU);
-    filled_.block[field.offset + 1] = static_cast<unsigned char>(word >> 8U);
-  }
+  void Store(Field field, std::uint16_t word) { firmware::PutWord(filled_.block.data(), field, word); }
 
   void Number(Field field, const char* name, const std::optional<std::int64_t>& number) {
     Clamped(field, name, number, 0, kLargestWord);
@@ -145,20 +139,17 @@ class BlockWriter {
     }
   }
 
-  // The packed word: day of the month in bits 0 to 4, month in 5 to 8, years since 1980 in 9 to 15.
   void Date(Field field, const std::optional<BatteryDate>& date) {
-    constexpr int kFirstYear = 1980;
-    constexpr int kLastYear = kFirstYear + 127;
     if (!date.has_value()) {
       return;
     }
-    if (date->year < kFirstYear || date->year > kLastYear || date->month < 1 || date->month > 12 || date->day < 1 ||
-        date->day > 31) {
+    const firmware::PackedDate packed{date->year, date->month, date->day};
+    if (!firmware::CanPack(packed) || date->month < 1 || date->month > 12 || date->day < 1) {
       Complain("the manufacture date " + std::to_string(date->year) + "-" + std::to_string(date->month) + "-" +
                std::to_string(date->day) + " is none that a battery can tell, and is left out");
       return;
     }
-    Store(field, static_cast<std::uint16_t>(((date->year - kFirstYear) << 9) | (date->month << 5) | date->day));
+    Store(field, firmware::Pack(packed));
   }
 
   void Complain(std::string complaint) { filled_.complaints.push_back(std::move(complaint)); }
@@ -183,20 +174,21 @@ class BlockWriter {
 
 FilledBlock FillBatteryBlock(const SystemBattery& battery) {
   BlockWriter writer;
-  writer.Number(layout::kDesignCapacity, "design capacity", MilliampereHours(battery, battery.designCapacity));
-  writer.Number(layout::kFullChargeCapacity, "full charge capacity",
+  writer.Number(firmware::kDesignCapacity, "design capacity", MilliampereHours(battery, battery.designCapacity));
+  writer.Number(firmware::kFullChargeCapacity, "full charge capacity",
                 MilliampereHours(battery, battery.fullChargeCapacity));
-  writer.Number(layout::kRemainingCapacity, "remaining capacity", MilliampereHours(battery, battery.remainingCapacity));
-  writer.Number(layout::kCycleCount, "cycle count", battery.cycleCount);
-  writer.Number(layout::kTemperature, "temperature", battery.temperature);
-  writer.Number(layout::kVoltage, "voltage", battery.voltage);
-  writer.SignedNumber(layout::kCurrent, "current", Current(battery));
-  writer.Number(layout::kDesignVoltage, "design voltage", battery.designVoltage);
-  writer.Store(layout::kBatteryStatus, static_cast<std::uint16_t>(StatusWord(battery)));
-  writer.Text(layout::kSerialNumber, "serial number", battery.serialNumber);
-  writer.Text(layout::kManufacturer, "manufacturer", battery.manufacturer);
-  writer.Text(layout::kDeviceName, "device name", battery.deviceName);
-  writer.Date(layout::kManufactureDate, battery.manufactureDate);
+  writer.Number(firmware::kRemainingCapacity, "remaining capacity",
+                MilliampereHours(battery, battery.remainingCapacity));
+  writer.Number(firmware::kCycleCount, "cycle count", battery.cycleCount);
+  writer.Number(firmware::kTemperature, "temperature", battery.temperature);
+  writer.Number(firmware::kVoltage, "voltage", battery.voltage);
+  writer.SignedNumber(firmware::kCurrent, "current", Current(battery));
+  writer.Number(firmware::kDesignVoltage, "design voltage", battery.designVoltage);
+  writer.Store(firmware::kBatteryStatus, static_cast<std::uint16_t>(StatusWord(battery)));
+  writer.Text(firmware::kSerialNumber, "serial number", battery.serialNumber);
+  writer.Text(firmware::kManufacturer, "manufacturer", battery.manufacturer);
+  writer.Text(firmware::kDeviceName, "device name", battery.deviceName);
+  writer.Date(firmware::kManufactureDate, battery.manufactureDate);
   if (AreCapacitiesOfTheMoment(battery)) {
     writer.Complain(
         "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, " +
@@ -210,22 +202,22 @@ std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::u
                                std::uint32_t* returnCode,
                                const std::function<std::optional<SystemBattery>(std::uint32_t slot)>& read) {
   constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);  // E_INVALIDARG
-  constexpr auto kBatteryInformation = static_cast<std::uint32_t>(access::Command::BatteryInformation);
+  constexpr auto kBatteryInformation = static_cast<std::uint32_t>(firmware::Command::BatteryInformation);
   if (input == nullptr || inputSize == 0 || output == nullptr || returnCode == nullptr) {
     return kInvalidArgument;
   }
-  if (first != 1 || second != kBatteryInformation || third != 1) {
-    *returnCode = access::kNotSupported;
+  if (first != firmware::kRead || second != kBatteryInformation || third != firmware::kOfBattery) {
+    *returnCode = firmware::kNotSupported;
     return 0;
   }
   const std::optional<SystemBattery> battery = read(*input);
   if (!battery.has_value()) {
-    *returnCode = access::kNoBatteryInSlot;
+    *returnCode = firmware::kEmptySlot;
     return 0;
   }
   const FilledBlock filled = FillBatteryBlock(*battery);
   std::copy(filled.block.begin(), filled.block.end(), output);
-  *returnCode = access::kSuccess;
+  *returnCode = firmware::kSuccess;
   for (const std::string& complaint : filled.complaints) {
     Remark(RemarkKind::Note, "Battery index " + std::to_string(*input) + ": " + complaint);
   }

@@ -1,12 +1,13 @@
 // A battery as the system's own driver describes it, and the battery-information block made of that.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "firmware/Block.h"
 
 namespace norv::platform {
 
@@ -50,10 +51,8 @@ struct SystemBattery {
 // What people read where the running system's driver is the source.
 inline constexpr const char* kSystemBatterySource = "the system's battery driver";
 
-using BatteryBlock = std::array<unsigned char, 128>;
-
 struct FilledBlock {
-  BatteryBlock block{};
+  firmware::Block block{};
   std::vector<std::string> complaints;  // what does not stand in the block as the driver told it, a line each
 };
 

@@ -1,4 +1,4 @@
-#include "CreatePrivateFolder.h"
+#include "play/CreatePrivateFolder.h"
 
 #include <system_error>
 

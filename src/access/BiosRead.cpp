@@ -9,12 +9,13 @@ norvbios::PrivateBiosWmi& Channel(norvbios::PrivateBiosWmi*& bios) {
   return *bios;
 }
 
-Answer Ask(norvbios::PrivateBiosWmi& bios, Command command, unsigned char index) {
-  Block input{};
+Answer Ask(norvbios::PrivateBiosWmi& bios, firmware::Command command, unsigned char index) {
+  firmware::Block input{};
   input[0] = index;
   Answer answer;
-  answer.channelStatus = bios.ExecuteCommand(1, static_cast<std::uint32_t>(command), 1, input.data(), kBlockSize,
-                                             answer.block.data(), &answer.returnCode);
+  answer.channelStatus =
+      bios.ExecuteCommand(firmware::kRead, static_cast<std::uint32_t>(command), firmware::kOfBattery, input.data(),
+                          firmware::kBlockSize, answer.block.data(), &answer.returnCode);
   return answer;
 }
 

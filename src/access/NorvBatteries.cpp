@@ -23,7 +23,6 @@ using test::kNoVerdict;
 
 namespace {
 
-constexpr unsigned char kSlotCount = 2;
 constexpr const char* kConstructor = "norv::shared::battery::NorvBatteries::NorvBatteries";
 constexpr const char* kRunBatteryTest = "norv::shared::battery::NorvBatteries::RunBatteryTest";
 
@@ -60,7 +59,7 @@ NorvBatteries::NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, 
       return true;
     });
   }
-  for (unsigned char index = 0; index < kSlotCount; ++index) {
+  for (unsigned char index = 0; index < firmware::kSlotCount; ++index) {
     if (!ReadNorvBatteryInfo(index)) {
       if (index == 0) {  // a second battery that is missing is normal
         Log(Severity::Error, kConstructor, {"Error getting battery information"});
@@ -118,7 +117,7 @@ bool NorvBatteries::RunBatteryTest() {
 }
 
 NorvBatteryInfo* NorvBatteries::Query(unsigned char index) {
-  assert(index < kSlotCount);
+  assert(index < firmware::kSlotCount);
   return batteries_[index];
 }
 

@@ -36,7 +36,7 @@ error::Error ReturnCodeError(std::uint32_t returnCode, const char* message, cons
 
 // Only the second slot may be empty without that being a failure.
 bool IsAbsentSecondBattery(unsigned char index, std::uint32_t returnCode) {
-  return index != 0 && (returnCode == access::kNoBattery || returnCode == access::kNoBatteryInSlot);
+  return index != 0 && (returnCode == firmware::kNoBattery || returnCode == firmware::kEmptySlot);
 }
 
 // A record in storage that comes zero-filled, so that nothing of what the memory held before shows in it. Plain delete
@@ -73,7 +73,7 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
     }
     diagnostics::RemarksToLog remarks(kReadInfo);
     const platform::ScopedRemarkListener listening(remarks);
-    const access::Answer answer = access::Ask(access::Channel(bios_), access::Command::BatteryInformation, index);
+    const access::Answer answer = access::Ask(access::Channel(bios_), firmware::Command::BatteryInformation, index);
     if (answer.channelStatus != 0) {
       Report(error_, SystemMessageError(answer.channelStatus, kReadInfo), kReadInfo);
       return false;
@@ -84,7 +84,7 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
       Log(Severity::Verbose, kReadInfo, {"Battery index ", {&rawIndex, 1}, " not detected"});
       return false;
     }
-    if (answer.returnCode != access::kSuccess) {
+    if (answer.returnCode != firmware::kSuccess) {
       Report(error_, ReturnCodeError(answer.returnCode, "PrivateBiosWMI error", kReadInfo), kReadInfo);
       return false;
     }
@@ -104,24 +104,24 @@ bool NorvBatteries::ReadNorvBatteryCSP(unsigned char index) {
       Report(error_, InvalidIndexError(kReadCsp), kReadCsp);
       return false;
     }
-    const access::Answer answer = access::Ask(access::Channel(bios_), access::Command::CellSwellProtection, index);
+    const access::Answer answer = access::Ask(access::Channel(bios_), firmware::Command::CellSwellProtection, index);
     if (answer.channelStatus != 0) {
       Log(Severity::Error, kReadCsp,
           {"PrivateBiosWMI error occurred - HRESULT = ", std::to_string(answer.channelStatus)});
       error_ = SystemMessageError(answer.channelStatus, kReadCsp);
       return false;
     }
-    if (answer.returnCode == access::kNotSupported) {
+    if (answer.returnCode == firmware::kNotSupported) {
       Report(error_, ReturnCodeError(answer.returnCode, "Battery swell protection data not supported", kReadCsp),
              kReadCsp);
       return false;
     }
     // Unlike above, the code for an empty slot bay means nothing special here.
-    if (answer.returnCode == access::kNoBattery && index != 0) {
+    if (answer.returnCode == firmware::kNoBattery && index != 0) {
       Log(Severity::Verbose, kReadCsp, {"Battery not detected"});
       return false;
     }
-    if (answer.returnCode != access::kSuccess) {
+    if (answer.returnCode != firmware::kSuccess) {
       Report(error_, ReturnCodeError(answer.returnCode, "PrivateBiosWMI error", kReadCsp), kReadCsp);
       return false;
     }

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "access/CellSwellProtectionBlock.h"
+#include "firmware/CellSwellProtectionBlock.h"
 #include "norv/platform/Platform.h"
 
 namespace norv::shared::battery {
@@ -27,46 +27,46 @@ NorvBatteryCellSwellProtectionInfo& NorvBatteryCellSwellProtectionInfo::operator
     const NorvBatteryCellSwellProtectionInfo& other) = default;
 
 int NorvBatteryCellSwellProtectionInfo::GetTimeCharge() const {
-  return record::Word(block_, access::kTimeCharge);
+  return firmware::Word(block_, firmware::kTimeCharge);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeDischarge() const {
-  return record::Word(block_, access::kTimeDischarge);
+  return firmware::Word(block_, firmware::kTimeDischarge);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeRelax() const {
-  return record::Word(block_, access::kTimeRelax);
+  return firmware::Word(block_, firmware::kTimeRelax);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeSleep() const {
-  return record::Word(block_, access::kTimeSleep);
+  return firmware::Word(block_, firmware::kTimeSleep);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeFullCharge() const {
-  return record::Word(block_, access::kTimeFullCharge);
+  return firmware::Word(block_, firmware::kTimeFullCharge);
 }
 int NorvBatteryCellSwellProtectionInfo::GetTimeRSOC() const {
-  return record::Word(block_, access::kTimeRSOC);
+  return firmware::Word(block_, firmware::kTimeRsoc);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPATime() const {
-  return record::Word(block_, access::kCSPATime);
+  return firmware::Word(block_, firmware::kLevelATime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBTime() const {
-  return record::Word(block_, access::kCSPBTime);
+  return firmware::Word(block_, firmware::kLevelBTime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPARunningTime() const {
-  return record::Word(block_, access::kCSPARunningTime);
+  return firmware::Word(block_, firmware::kLevelARunningTime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBRunningTime() const {
-  return record::Word(block_, access::kCSPBRunningTime);
+  return firmware::Word(block_, firmware::kLevelBRunningTime);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPATemp1Time() const {
-  return record::Word(block_, access::kCSPATemp1Time);
+  return firmware::Word(block_, firmware::kLevelATemperature1Time);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBTemp1Time() const {
-  return record::Word(block_, access::kCSPBTemp1Time);
+  return firmware::Word(block_, firmware::kLevelBTemperature1Time);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPATemp2Time() const {
-  return record::Word(block_, access::kCSPATemp2Time);
+  return firmware::Word(block_, firmware::kLevelATemperature2Time);
 }
 int NorvBatteryCellSwellProtectionInfo::GetCSPBTemp2Time() const {
-  return record::Word(block_, access::kCSPBTemp2Time);
+  return firmware::Word(block_, firmware::kLevelBTemperature2Time);
 }
 
 }  // namespace norv::shared::battery

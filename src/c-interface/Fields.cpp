@@ -7,10 +7,10 @@
 #include <type_traits>
 #include <utility>
 
-#include "access/CellSwellProtectionBlock.h"
 #include "c-interface/Texts.h"
 #include "diagnostics/MemoryWatch.h"
-#include "record/BatteryInformationBlock.h"
+#include "firmware/BatteryInformationBlock.h"
+#include "firmware/CellSwellProtectionBlock.h"
 #include "record/CtNumber.h"
 #include "record/ManufacturerText.h"
 #include "test/ResultCodes.h"
@@ -121,7 +121,7 @@ Answer CtPart(const Record& record) {
 // A field that holds anything but letters and digits is no name.
 Answer DeviceName(const Record& record) {
   const std::string name = record.info->GetDeviceName();
-  const bool isOther = name.empty() && !record::Text(record.block.data(), record::kDeviceName).empty();
+  const bool isOther = name.empty() && !firmware::Text(record.block.data(), firmware::kDeviceName).empty();
   return TextAnswer(name, isOther ? NORV_BATTERY_INVALID : PresentUnlessEmpty(name));
 }
 
@@ -219,10 +219,10 @@ Answer OfRecord(const Record& record) {
 
 // --- the table -------------------------------------------------------------------------------------------------------
 
-constexpr record::Field kNowhere{0, 0};
+constexpr firmware::Field kNowhere{0, 0};
 
-constexpr record::Field Part(record::CtField field) {
-  return {record::kCtNumber.offset + field.position, field.width};
+constexpr firmware::Field Part(record::CtField field) {
+  return {firmware::kCtNumber.offset + field.position, field.width};
 }
 
 constexpr const char* kNone = "";
@@ -231,16 +231,16 @@ constexpr const char* kMillivolt = "mV";
 constexpr const char* kPercent = "%";
 
 constexpr FieldRow BlockRow(norv_battery_field field, const char* name, norv_battery_kind kind, const char* unit,
-                            record::Field place, Answer (*read)(const Record&)) {
+                            firmware::Field place, Answer (*read)(const Record&)) {
   return {field, name, kind, unit, NORV_BATTERY_FROM_INFORMATION_BLOCK, place, kNoBit, read};
 }
 
 constexpr FieldRow FlagRow(norv_battery_field field, const char* name, int bit, Answer (*read)(const Record&)) {
-  return {field, name, NORV_BATTERY_FLAG, kNone, NORV_BATTERY_FROM_INFORMATION_BLOCK, record::kBatteryStatus,
+  return {field, name, NORV_BATTERY_FLAG, kNone, NORV_BATTERY_FROM_INFORMATION_BLOCK, firmware::kBatteryStatus,
           bit,   read};
 }
 
-constexpr FieldRow CounterRow(norv_battery_field field, const char* name, record::Field place,
+constexpr FieldRow CounterRow(norv_battery_field field, const char* name, firmware::Field place,
                               Answer (*read)(const Record&)) {
   return {field, name, NORV_BATTERY_NUMBER, kNone, NORV_BATTERY_FROM_CELL_SWELL_BLOCK, place, kNoBit, read};
 }
@@ -252,53 +252,53 @@ constexpr FieldRow ElsewhereRow(norv_battery_field field, const char* name, norv
 
 // clang-format off: rows
 constexpr std::array kFields{
-    BlockRow(NORV_BATTERY_MANUFACTURER, "manufacturer", NORV_BATTERY_TEXT, kNone, record::kManufacturer,
+    BlockRow(NORV_BATTERY_MANUFACTURER, "manufacturer", NORV_BATTERY_TEXT, kNone, firmware::kManufacturer,
              Text<&Info::GetManufacturer>),
-    BlockRow(NORV_BATTERY_DEVICE_NAME, "device name", NORV_BATTERY_TEXT, kNone, record::kDeviceName, DeviceName),
-    BlockRow(NORV_BATTERY_SERIAL_NUMBER, "serial number", NORV_BATTERY_TEXT, kNone, record::kSerialNumber,
+    BlockRow(NORV_BATTERY_DEVICE_NAME, "device name", NORV_BATTERY_TEXT, kNone, firmware::kDeviceName, DeviceName),
+    BlockRow(NORV_BATTERY_SERIAL_NUMBER, "serial number", NORV_BATTERY_TEXT, kNone, firmware::kSerialNumber,
              Text<&Info::GetSerialNumber>),
-    BlockRow(NORV_BATTERY_CT_NUMBER, "ct number", NORV_BATTERY_TEXT, kNone, record::kCtNumber,
+    BlockRow(NORV_BATTERY_CT_NUMBER, "ct number", NORV_BATTERY_TEXT, kNone, firmware::kCtNumber,
              Text<&Info::GetCtNumber>),
 
-    BlockRow(NORV_BATTERY_DESIGN_CAPACITY, "design capacity", NORV_BATTERY_NUMBER, kCapacity, record::kDesignCapacity,
+    BlockRow(NORV_BATTERY_DESIGN_CAPACITY, "design capacity", NORV_BATTERY_NUMBER, kCapacity, firmware::kDesignCapacity,
              Number<&Info::GetDesignEnergyCapacity>),
     BlockRow(NORV_BATTERY_FULL_CHARGE_CAPACITY, "full charge capacity", NORV_BATTERY_NUMBER, kCapacity,
-             record::kFullChargeCapacity, Number<&Info::GetFullEnergyCapacity>),
+             firmware::kFullChargeCapacity, Number<&Info::GetFullEnergyCapacity>),
     BlockRow(NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE, "full charge capacity percentage", NORV_BATTERY_REAL,
              kPercent, kNowhere, Percentage<&Info::GetFullEnergyCapacityPercentage>),
     BlockRow(NORV_BATTERY_REMAINING_CAPACITY, "remaining capacity", NORV_BATTERY_NUMBER, kCapacity,
-             record::kRemainingCapacity, Number<&Info::GetRemainingCapacity>),
+             firmware::kRemainingCapacity, Number<&Info::GetRemainingCapacity>),
     BlockRow(NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE, "remaining capacity percentage", NORV_BATTERY_REAL, kPercent,
              kNowhere, Percentage<&Info::GetRemainingEnergyCapacityPercentage>),
-    BlockRow(NORV_BATTERY_MAX_ERROR, "max error", NORV_BATTERY_NUMBER, kPercent, record::kMaxError,
+    BlockRow(NORV_BATTERY_MAX_ERROR, "max error", NORV_BATTERY_NUMBER, kPercent, firmware::kMaxError,
              Number<&Info::GetMaxErrorPercentage>),
-    BlockRow(NORV_BATTERY_CYCLE_COUNT, "cycle count", NORV_BATTERY_NUMBER, kNone, record::kCycleCount,
+    BlockRow(NORV_BATTERY_CYCLE_COUNT, "cycle count", NORV_BATTERY_NUMBER, kNone, firmware::kCycleCount,
              Number<&Info::GetCycleCount>),
-    BlockRow(NORV_BATTERY_DESIGN_VOLTAGE, "design voltage", NORV_BATTERY_NUMBER, kMillivolt, record::kDesignVoltage,
+    BlockRow(NORV_BATTERY_DESIGN_VOLTAGE, "design voltage", NORV_BATTERY_NUMBER, kMillivolt, firmware::kDesignVoltage,
              Number<&Info::GetDesignVoltage>),
-    BlockRow(NORV_BATTERY_VOLTAGE, "voltage", NORV_BATTERY_NUMBER, kMillivolt, record::kVoltage,
+    BlockRow(NORV_BATTERY_VOLTAGE, "voltage", NORV_BATTERY_NUMBER, kMillivolt, firmware::kVoltage,
              Number<&Info::GetVoltage>),
-    BlockRow(NORV_BATTERY_CURRENT, "current", NORV_BATTERY_NUMBER, "mA", record::kCurrent,
+    BlockRow(NORV_BATTERY_CURRENT, "current", NORV_BATTERY_NUMBER, "mA", firmware::kCurrent,
              Number<&Info::GetElectricCurrent>),
-    BlockRow(NORV_BATTERY_TEMPERATURE, "temperature", NORV_BATTERY_NUMBER, "0.1 K", record::kTemperature,
+    BlockRow(NORV_BATTERY_TEMPERATURE, "temperature", NORV_BATTERY_NUMBER, "0.1 K", firmware::kTemperature,
              Number<&Info::GetTemperature>),
     ElsewhereRow(NORV_BATTERY_CHARGE_RATE, "charge rate", NORV_BATTERY_NUMBER, "mW", NORV_BATTERY_FROM_OPERATING_SYSTEM,
                  Rate<&Info::GetBatteryChargeRate>),
     ElsewhereRow(NORV_BATTERY_DISCHARGE_RATE, "discharge rate", NORV_BATTERY_NUMBER, "mW",
                  NORV_BATTERY_FROM_OPERATING_SYSTEM, Rate<&Info::GetBatteryDischargeRate>),
 
-    BlockRow(NORV_BATTERY_CELL_VOLTAGE_1, "cell voltage 1", NORV_BATTERY_NUMBER, kMillivolt, record::kCellVoltages[0],
+    BlockRow(NORV_BATTERY_CELL_VOLTAGE_1, "cell voltage 1", NORV_BATTERY_NUMBER, kMillivolt, firmware::kCellVoltages[0],
              CellVoltage<0>),
-    BlockRow(NORV_BATTERY_CELL_VOLTAGE_2, "cell voltage 2", NORV_BATTERY_NUMBER, kMillivolt, record::kCellVoltages[1],
+    BlockRow(NORV_BATTERY_CELL_VOLTAGE_2, "cell voltage 2", NORV_BATTERY_NUMBER, kMillivolt, firmware::kCellVoltages[1],
              CellVoltage<1>),
-    BlockRow(NORV_BATTERY_CELL_VOLTAGE_3, "cell voltage 3", NORV_BATTERY_NUMBER, kMillivolt, record::kCellVoltages[2],
+    BlockRow(NORV_BATTERY_CELL_VOLTAGE_3, "cell voltage 3", NORV_BATTERY_NUMBER, kMillivolt, firmware::kCellVoltages[2],
              CellVoltage<2>),
-    BlockRow(NORV_BATTERY_CELL_VOLTAGE_4, "cell voltage 4", NORV_BATTERY_NUMBER, kMillivolt, record::kCellVoltages[3],
+    BlockRow(NORV_BATTERY_CELL_VOLTAGE_4, "cell voltage 4", NORV_BATTERY_NUMBER, kMillivolt, firmware::kCellVoltages[3],
              CellVoltage<3>),
 
-    BlockRow(NORV_BATTERY_STATUS_WORD, "status word", NORV_BATTERY_NUMBER, kNone, record::kBatteryStatus,
+    BlockRow(NORV_BATTERY_STATUS_WORD, "status word", NORV_BATTERY_NUMBER, kNone, firmware::kBatteryStatus,
              Number<&Info::GetStatusWord>),
-    BlockRow(NORV_BATTERY_STATUS_ERROR_CODE, "status error code", NORV_BATTERY_TEXT, kNone, record::kBatteryStatus,
+    BlockRow(NORV_BATTERY_STATUS_ERROR_CODE, "status error code", NORV_BATTERY_TEXT, kNone, firmware::kBatteryStatus,
              StatusErrorCode),
     FlagRow(NORV_BATTERY_FULLY_DISCHARGED, "fully discharged", 4, Flag<&NorvBatteryStatus::fullyDischarged>),
     FlagRow(NORV_BATTERY_FULLY_CHARGED, "fully charged", 5, Flag<&NorvBatteryStatus::fullyCharged>),
@@ -317,22 +317,22 @@ constexpr std::array kFields{
             Flag<&NorvBatteryStatus::terminateChargeAlarm>),
     FlagRow(NORV_BATTERY_OVER_CHARGED_ALARM, "over charged alarm", 15, Flag<&NorvBatteryStatus::overChargedAlarm>),
 
-    BlockRow(NORV_BATTERY_MANUFACTURING_DATE, "manufacturing date", NORV_BATTERY_TEXT, kNone, record::kManufactureDate,
-             Date<&Info::GetManufacturingDate>),
-    BlockRow(NORV_BATTERY_WARRANTY_TYPE, "warranty type", NORV_BATTERY_TEXT, kNone, record::kManufacturer,
+    BlockRow(NORV_BATTERY_MANUFACTURING_DATE, "manufacturing date", NORV_BATTERY_TEXT, kNone,
+             firmware::kManufactureDate, Date<&Info::GetManufacturingDate>),
+    BlockRow(NORV_BATTERY_WARRANTY_TYPE, "warranty type", NORV_BATTERY_TEXT, kNone, firmware::kManufacturer,
              Meaning<&Info::GetWarrantyType>),
     BlockRow(NORV_BATTERY_WARRANTY_DATE, "warranty date", NORV_BATTERY_TEXT, kNone, kNowhere, WarrantyDate),
-    BlockRow(NORV_BATTERY_AGE, "age", NORV_BATTERY_NUMBER, "d", record::kSerialNumber, Age),
+    BlockRow(NORV_BATTERY_AGE, "age", NORV_BATTERY_NUMBER, "d", firmware::kSerialNumber, Age),
 
-    BlockRow(NORV_BATTERY_PACK_SUPPLIER, "pack supplier", NORV_BATTERY_TEXT, kNone, record::kManufacturer,
+    BlockRow(NORV_BATTERY_PACK_SUPPLIER, "pack supplier", NORV_BATTERY_TEXT, kNone, firmware::kManufacturer,
              Meaning<&Info::GetPackSupplier>),
-    BlockRow(NORV_BATTERY_CELL_SUPPLIER, "cell supplier", NORV_BATTERY_TEXT, kNone, record::kManufacturer,
+    BlockRow(NORV_BATTERY_CELL_SUPPLIER, "cell supplier", NORV_BATTERY_TEXT, kNone, firmware::kManufacturer,
              Meaning<&Info::GetCellSupplier>),
-    BlockRow(NORV_BATTERY_CALIBRATION_TYPE, "calibration type", NORV_BATTERY_TEXT, kNone, record::kManufacturer,
+    BlockRow(NORV_BATTERY_CALIBRATION_TYPE, "calibration type", NORV_BATTERY_TEXT, kNone, firmware::kManufacturer,
              Text<&Info::GetCalibrationType>),
     BlockRow(NORV_BATTERY_OVER_CURRENT_PROTECTION, "over current protection", NORV_BATTERY_NUMBER, kCapacity,
-             record::kManufacturer, OverCurrentProtection),
-    BlockRow(NORV_BATTERY_DESIGN_CYCLE_COUNT, "design cycle count", NORV_BATTERY_TEXT, kNone, record::kManufacturer,
+             firmware::kManufacturer, OverCurrentProtection),
+    BlockRow(NORV_BATTERY_DESIGN_CYCLE_COUNT, "design cycle count", NORV_BATTERY_TEXT, kNone, firmware::kManufacturer,
              Meaning<&Info::GetDesignCycleCount>),
     BlockRow(NORV_BATTERY_CT_ASSEMBLY, "ct assembly", NORV_BATTERY_TEXT, kNone, Part(record::kCtAssembly),
              CtPart<record::kCtAssembly>),
@@ -348,27 +348,27 @@ constexpr std::array kFields{
     ElsewhereRow(NORV_BATTERY_BATTERY_CARE, "battery care", NORV_BATTERY_TEXT, kNone, NORV_BATTERY_FROM_BIOS_SETTINGS,
                  Setting<&Info::GetBatteryCareInfo>),
 
-    CounterRow(NORV_BATTERY_TIME_CHARGE, "time charge", access::kTimeCharge, Counter<&CellSwell::GetTimeCharge>),
-    CounterRow(NORV_BATTERY_TIME_DISCHARGE, "time discharge", access::kTimeDischarge,
+    CounterRow(NORV_BATTERY_TIME_CHARGE, "time charge", firmware::kTimeCharge, Counter<&CellSwell::GetTimeCharge>),
+    CounterRow(NORV_BATTERY_TIME_DISCHARGE, "time discharge", firmware::kTimeDischarge,
                Counter<&CellSwell::GetTimeDischarge>),
-    CounterRow(NORV_BATTERY_TIME_RELAX, "time relax", access::kTimeRelax, Counter<&CellSwell::GetTimeRelax>),
-    CounterRow(NORV_BATTERY_TIME_SLEEP, "time sleep", access::kTimeSleep, Counter<&CellSwell::GetTimeSleep>),
-    CounterRow(NORV_BATTERY_TIME_FULL_CHARGE, "time full charge", access::kTimeFullCharge,
+    CounterRow(NORV_BATTERY_TIME_RELAX, "time relax", firmware::kTimeRelax, Counter<&CellSwell::GetTimeRelax>),
+    CounterRow(NORV_BATTERY_TIME_SLEEP, "time sleep", firmware::kTimeSleep, Counter<&CellSwell::GetTimeSleep>),
+    CounterRow(NORV_BATTERY_TIME_FULL_CHARGE, "time full charge", firmware::kTimeFullCharge,
                Counter<&CellSwell::GetTimeFullCharge>),
-    CounterRow(NORV_BATTERY_TIME_RSOC, "time rsoc", access::kTimeRSOC, Counter<&CellSwell::GetTimeRSOC>),
-    CounterRow(NORV_BATTERY_LEVEL_A_TIME, "level a time", access::kCSPATime, Counter<&CellSwell::GetCSPATime>),
-    CounterRow(NORV_BATTERY_LEVEL_B_TIME, "level b time", access::kCSPBTime, Counter<&CellSwell::GetCSPBTime>),
-    CounterRow(NORV_BATTERY_LEVEL_A_RUNNING_TIME, "level a running time", access::kCSPARunningTime,
+    CounterRow(NORV_BATTERY_TIME_RSOC, "time rsoc", firmware::kTimeRsoc, Counter<&CellSwell::GetTimeRSOC>),
+    CounterRow(NORV_BATTERY_LEVEL_A_TIME, "level a time", firmware::kLevelATime, Counter<&CellSwell::GetCSPATime>),
+    CounterRow(NORV_BATTERY_LEVEL_B_TIME, "level b time", firmware::kLevelBTime, Counter<&CellSwell::GetCSPBTime>),
+    CounterRow(NORV_BATTERY_LEVEL_A_RUNNING_TIME, "level a running time", firmware::kLevelARunningTime,
                Counter<&CellSwell::GetCSPARunningTime>),
-    CounterRow(NORV_BATTERY_LEVEL_B_RUNNING_TIME, "level b running time", access::kCSPBRunningTime,
+    CounterRow(NORV_BATTERY_LEVEL_B_RUNNING_TIME, "level b running time", firmware::kLevelBRunningTime,
                Counter<&CellSwell::GetCSPBRunningTime>),
-    CounterRow(NORV_BATTERY_LEVEL_A_TEMPERATURE_1_TIME, "level a temperature 1 time", access::kCSPATemp1Time,
+    CounterRow(NORV_BATTERY_LEVEL_A_TEMPERATURE_1_TIME, "level a temperature 1 time", firmware::kLevelATemperature1Time,
                Counter<&CellSwell::GetCSPATemp1Time>),
-    CounterRow(NORV_BATTERY_LEVEL_B_TEMPERATURE_1_TIME, "level b temperature 1 time", access::kCSPBTemp1Time,
+    CounterRow(NORV_BATTERY_LEVEL_B_TEMPERATURE_1_TIME, "level b temperature 1 time", firmware::kLevelBTemperature1Time,
                Counter<&CellSwell::GetCSPBTemp1Time>),
-    CounterRow(NORV_BATTERY_LEVEL_A_TEMPERATURE_2_TIME, "level a temperature 2 time", access::kCSPATemp2Time,
+    CounterRow(NORV_BATTERY_LEVEL_A_TEMPERATURE_2_TIME, "level a temperature 2 time", firmware::kLevelATemperature2Time,
                Counter<&CellSwell::GetCSPATemp2Time>),
-    CounterRow(NORV_BATTERY_LEVEL_B_TEMPERATURE_2_TIME, "level b temperature 2 time", access::kCSPBTemp2Time,
+    CounterRow(NORV_BATTERY_LEVEL_B_TEMPERATURE_2_TIME, "level b temperature 2 time", firmware::kLevelBTemperature2Time,
                Counter<&CellSwell::GetCSPBTemp2Time>),
 
     ElsewhereRow(NORV_BATTERY_TEST_RESULT, "battery test result", NORV_BATTERY_NUMBER, kNone,

@@ -7,8 +7,8 @@
 
 #include "c-interface/Handles.h"
 #include "c-interface/Interface.h"
+#include "firmware/Block.h"
 #include "norv/shared/error/Error.h"
-#include "record/Block.h"
 
 namespace norv::shared::battery::c_interface {
 
@@ -26,8 +26,8 @@ struct FieldRow {
   norv_battery_kind kind;
   const char* unit;
   norv_battery_source source;
-  record::Field place;  // in the source's block; of width 0 when it is not one place there
-  int bit;              // of the word at `place`, or kNoBit
+  firmware::Field place;  // in the source's block; of width 0 when it is not one place there
+  int bit;                // of the word at `place`, or kNoBit
   Answer (*read)(const norv_battery_record& record);
 };
 

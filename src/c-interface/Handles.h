@@ -24,8 +24,8 @@ struct norv_battery_record {
   mutable UseMark ownUse;
   norv::shared::battery::NorvBatteryInfo* info = nullptr;
   std::unique_ptr<norv::shared::battery::NorvBatteryInfo> owned;
-  norv::shared::battery::access::Block block{};
-  std::optional<norv::shared::battery::access::Block> cellSwell;
+  norv::firmware::Block block{};
+  std::optional<norv::firmware::Block> cellSwell;
 
   bool IsDecoded() const { return owned != nullptr; }
   UseMark& Use() const { return collectionUse != nullptr ? *collectionUse : ownUse; }

@@ -21,10 +21,10 @@ std::int32_t HostChannel::ExecuteCommand(std::uint32_t first, std::uint32_t seco
   const std::int32_t status =
       callback_ != nullptr ? AskHost(first, second, third, input, inputSize, output, returnCode)
                            : PrivateBiosWmi::ExecuteCommand(first, second, third, input, inputSize, output, returnCode);
-  if (status == 0 && *returnCode == access::kSuccess) {
+  if (status == 0 && *returnCode == firmware::kSuccess) {
     Blocks& blocks =
-        second == static_cast<std::uint32_t>(access::Command::CellSwellProtection) ? cellSwell_ : information_;
-    std::copy_n(output, access::kBlockSize, blocks.at(input[0]).emplace().begin());
+        second == static_cast<std::uint32_t>(firmware::Command::CellSwellProtection) ? cellSwell_ : information_;
+    std::copy_n(output, firmware::kBlockSize, blocks.at(input[0]).emplace().begin());
   }
   return status;
 }

@@ -15,7 +15,7 @@ namespace norv::shared::battery::c_interface {
 // a record does not hand out its bytes.
 class HostChannel : public norvbios::PrivateBiosWmi {
  public:
-  using Blocks = std::array<std::optional<access::Block>, NORV_BATTERY_SLOT_COUNT>;
+  using Blocks = std::array<std::optional<firmware::Block>, NORV_BATTERY_SLOT_COUNT>;
 
   HostChannel(norv_battery_channel callback, void* context);
   ~HostChannel() override;

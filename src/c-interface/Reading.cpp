@@ -16,8 +16,8 @@
 #include "c-interface/Texts.h"
 #include "record/OperatingSystemRates.h"
 
+using norv::firmware::kBlockSize;
 using norv::shared::battery::NorvBatteryInfo;
-using norv::shared::battery::access::kBlockSize;
 using norv::shared::battery::c_interface::Answer;
 using norv::shared::battery::c_interface::CheckStructure;
 using norv::shared::battery::c_interface::CopyErrorText;

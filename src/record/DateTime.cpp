@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "firmware/PackedDate.h"
 #include "record/Characters.h"
 
 namespace norv::shared::battery::record {
@@ -95,8 +96,8 @@ DateTime ReadDate(std::string_view text) {
 }
 
 DateTime UnpackDate(unsigned short packed) {
-  constexpr int kFirstYear = 1980;
-  return {.year = (packed >> 9) + kFirstYear, .month = (packed >> 5) & 15, .day = packed & 31};
+  const firmware::PackedDate date = firmware::Unpack(packed);
+  return {.year = date.year, .month = date.month, .day = date.day};
 }
 
 DateTime AddWarranty(DateTime made, std::string_view warrantyType) {

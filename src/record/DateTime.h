@@ -29,8 +29,7 @@ DateTimeText ComposeDateTime(const DateTime& dateTime);
 // Year, month and day of a date-time text; all 0 when it is none.
 DateTime ReadDate(std::string_view text);
 
-// The date of a packed word: day of the month in bits 0 to 4, month in 5 to 8, years since 1980 in 9 to 15. No range is
-// tested.
+// The date of a packed word. No range is tested.
 DateTime UnpackDate(unsigned short packed);
 
 // `made` moved forward by a warranty type, "6_MONTHS", "1_YEAR", "2_YEARS" or "3_YEARS"; any other moves nothing. The

@@ -10,8 +10,8 @@
 
 #include "battery/NorvBatteryTestInfo.h"
 #include "diagnostics/Failures.h"
+#include "firmware/BatteryInformationBlock.h"
 #include "norv/platform/Platform.h"
-#include "record/BatteryInformationBlock.h"
 #include "record/Characters.h"
 #include "record/CtNumber.h"
 #include "record/DateTime.h"
@@ -40,14 +40,14 @@ error::Error IdentityError(const char* message, const char* operation) {
 }
 
 template <std::size_t Capacity>
-record::FixedText<Capacity> ReadText(const unsigned char* block, record::Field field) {
-  return record::FixedText<Capacity>(record::Text(block, field));
+record::FixedText<Capacity> ReadText(const unsigned char* block, firmware::Field field) {
+  return record::FixedText<Capacity>(firmware::Text(block, field));
 }
 
 // A device name that is not wholly letters and digits is none.
-record::FixedText<record::kDeviceName.width> ReadDeviceName(const unsigned char* block) {
-  const auto name = ReadText<record::kDeviceName.width>(block, record::kDeviceName);
-  return record::AreLettersOrDigits(name.View()) ? name : record::FixedText<record::kDeviceName.width>();
+record::FixedText<firmware::kDeviceName.width> ReadDeviceName(const unsigned char* block) {
+  const auto name = ReadText<firmware::kDeviceName.width>(block, firmware::kDeviceName);
+  return record::AreLettersOrDigits(name.View()) ? name : record::FixedText<firmware::kDeviceName.width>();
 }
 
 // Midnight, local time, of a date; without one, the calendar time whose fields are all 0. A time before 1970 has no
@@ -77,10 +77,10 @@ const char* CopyCtField(std::string_view ctNumber, record::CtField field, char (
 }  // namespace
 
 struct NorvBatteryInfo::Holdings {
-  record::FixedText<record::kSerialNumber.width> serialNumber;
-  record::FixedText<record::kManufacturer.width> manufacturer;
-  record::FixedText<record::kCtNumber.width> ctNumber;
-  record::FixedText<record::kDeviceName.width> deviceName;
+  record::FixedText<firmware::kSerialNumber.width> serialNumber;
+  record::FixedText<firmware::kManufacturer.width> manufacturer;
+  record::FixedText<firmware::kCtNumber.width> ctNumber;
+  record::FixedText<firmware::kDeviceName.width> deviceName;
   record::DateTimeText manufacturingDate;
   record::DateTimeText warrantyDate;
   // Everything ever attached, the newest last.
@@ -100,16 +100,16 @@ NorvBatteryInfo::NorvBatteryInfo()
 }
 
 NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block)
-    : designVoltage_(record::Word(block, record::kDesignVoltage)),
-      designEnergyCapacity_(record::Word(block, record::kDesignCapacity)),
-      fullEnergyCapacity_(record::Word(block, record::kFullChargeCapacity)),
-      remainingCapacity_(record::Word(block, record::kRemainingCapacity)),
-      maxErrorPercentage_(record::Word(block, record::kMaxError)),
-      cycleCount_(record::Word(block, record::kCycleCount)),
-      temperature_(record::Word(block, record::kTemperature)),
-      voltage_(record::Word(block, record::kVoltage)),
-      electricCurrent_(record::Word(block, record::kCurrent)),
-      statusWord_(record::Word(block, record::kBatteryStatus)),
+    : designVoltage_(firmware::Word(block, firmware::kDesignVoltage)),
+      designEnergyCapacity_(firmware::Word(block, firmware::kDesignCapacity)),
+      fullEnergyCapacity_(firmware::Word(block, firmware::kFullChargeCapacity)),
+      remainingCapacity_(firmware::Word(block, firmware::kRemainingCapacity)),
+      maxErrorPercentage_(firmware::Word(block, firmware::kMaxError)),
+      cycleCount_(firmware::Word(block, firmware::kCycleCount)),
+      temperature_(firmware::Word(block, firmware::kTemperature)),
+      voltage_(firmware::Word(block, firmware::kVoltage)),
+      electricCurrent_(firmware::Word(block, firmware::kCurrent)),
+      statusWord_(firmware::Word(block, firmware::kBatteryStatus)),
       cellSwellProtection_(nullptr),
       testInfo_(nullptr),
       chargeRate_(0),
@@ -117,17 +117,17 @@ NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block)
       ctNumberPattern_(kCtNumberPattern),
       settings_(nullptr),
       holdings_(std::make_shared<Holdings>()) {
-  static_assert(sizeof block_ == record::kBlockSize);
+  static_assert(sizeof block_ == firmware::kBlockSize);
   std::memcpy(block_, block, sizeof block_);
-  std::transform(std::begin(record::kCellVoltages), std::end(record::kCellVoltages), std::begin(cellVoltages_),
-                 [block](record::Field cell) { return record::Word(block, cell); });
+  std::transform(std::begin(firmware::kCellVoltages), std::end(firmware::kCellVoltages), std::begin(cellVoltages_),
+                 [block](firmware::Field cell) { return firmware::Word(block, cell); });
 
-  holdings_->serialNumber = ReadText<record::kSerialNumber.width>(block, record::kSerialNumber);
-  holdings_->manufacturer = ReadText<record::kManufacturer.width>(block, record::kManufacturer);
-  holdings_->ctNumber = ReadText<record::kCtNumber.width>(block, record::kCtNumber);
+  holdings_->serialNumber = ReadText<firmware::kSerialNumber.width>(block, firmware::kSerialNumber);
+  holdings_->manufacturer = ReadText<firmware::kManufacturer.width>(block, firmware::kManufacturer);
+  holdings_->ctNumber = ReadText<firmware::kCtNumber.width>(block, firmware::kCtNumber);
   holdings_->deviceName = ReadDeviceName(block);
 
-  SetManufacturingDate(static_cast<unsigned short>(record::Word(block, record::kManufactureDate)));
+  SetManufacturingDate(static_cast<unsigned short>(firmware::Word(block, firmware::kManufactureDate)));
   SetWarrantyDate();
 
   const record::Rates rates = record::ReadOperatingSystemRates();
@@ -297,7 +297,7 @@ const char* NorvBatteryInfo::GetCtMfgWeek() const {
 int NorvBatteryInfo::GetAge() {
   try {
     const std::string_view serialNumber = holdings_->serialNumber.View();
-    if (serialNumber.size() < record::kSerialNumber.width) {
+    if (serialNumber.size() < firmware::kSerialNumber.width) {
       error_ = IdentityError("Invalid battery serial number", kGetAge);
       return kNoAge;
     }

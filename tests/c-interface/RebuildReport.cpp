@@ -9,8 +9,8 @@
 #include <string>
 
 #include "Reader.h"
-#include "Verdict.h"
 #include "norv/simulator/SimulatedMachine.h"
+#include "report/Verdict.h"
 
 namespace norv::test::c {
 namespace {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "EscapeText.h"
 #include "json/Parse.h"
+#include "output/EscapeText.h"
 
 namespace norv::test {
 

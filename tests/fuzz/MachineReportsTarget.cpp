@@ -9,15 +9,15 @@
 #include <string>
 
 #include "CommandLine.h"
-#include "ReadReport.h"
-#include "WriteReport.h"
 #include "fuzz/Check.h"
 #include "fuzz/InputFile.h"
 #include "fuzz/MachineMaker.h"
 #include "json/Write.h"
 #include "norv/simulator/MachineRecorder.h"
 #include "norv/simulator/SimulatedMachine.h"
-#include "recording/Sha256.h"
+#include "record/Sha256.h"
+#include "report/ReadReport.h"
+#include "report/WriteReport.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "EscapeText.h"
+#include "output/EscapeText.h"
 
 #include <gtest/gtest.h>
 

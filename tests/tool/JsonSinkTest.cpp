@@ -11,8 +11,8 @@
 #include <random>
 #include <string>
 
-#include "EscapeText.h"
 #include "decode/Utf8.h"
+#include "output/EscapeText.h"
 
 namespace norv::tool {
 namespace {

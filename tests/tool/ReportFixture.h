@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Report.h"
+#include "report/Report.h"
 
 namespace norv::tool {
 

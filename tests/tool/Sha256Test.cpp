@@ -1,5 +1,5 @@
 // The examples of FIPS 180-4 and RFC 4231.
-#include "recording/Sha256.h"
+#include "record/Sha256.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "ReportFixture.h"
-#include "WriteReport.h"
+#include "report/WriteReport.h"
 
 namespace norv::tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "Verdict.h"
+#include "report/Verdict.h"
 
 #include <gtest/gtest.h>
 

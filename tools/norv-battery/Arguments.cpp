@@ -8,9 +8,9 @@
 #include <system_error>
 
 #include "BatteryFolder.h"
-#include "EscapeText.h"
-#include "Report.h"
-#include "recording/Key.h"
+#include "output/EscapeText.h"
+#include "record/Key.h"
+#include "report/Report.h"
 
 namespace norv::tool {
 

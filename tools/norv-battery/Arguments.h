@@ -5,7 +5,7 @@
 
 #include "decode/Decode.h"
 #include "encode/Encode.h"
-#include "recording/Record.h"
+#include "record/Record.h"
 #include "watch/Watch.h"
 
 namespace norv::tool {

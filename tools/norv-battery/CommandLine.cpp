@@ -5,19 +5,19 @@
 #include <string>
 
 #include "Arguments.h"
-#include "BinaryStreams.h"
-#include "EmptySlot.h"
-#include "EscapeText.h"
 #include "ExitStatus.h"
 #include "LogToStandardError.h"
 #include "Machine.h"
-#include "ReadReport.h"
-#include "StandardStreams.h"
-#include "Verdict.h"
-#include "WriteReport.h"
 #include "decode/Decode.h"
 #include "encode/Encode.h"
-#include "recording/Record.h"
+#include "output/BinaryStreams.h"
+#include "output/EscapeText.h"
+#include "output/StandardStreams.h"
+#include "record/Record.h"
+#include "report/EmptySlot.h"
+#include "report/ReadReport.h"
+#include "report/Verdict.h"
+#include "report/WriteReport.h"
 #include "watch/Watch.h"
 
 namespace norv::tool {

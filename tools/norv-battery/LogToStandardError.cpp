@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "EscapeText.h"
-#include "StandardStreams.h"
-#include "TimeText.h"
 #include "battery/NorvSharedInitializeLogger.h"
+#include "output/EscapeText.h"
+#include "output/StandardStreams.h"
+#include "output/TimeText.h"
 
 namespace norv::tool {
 

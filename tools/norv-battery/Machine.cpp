@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "BatteryFolder.h"
-#include "EscapeText.h"
-#include "TimeText.h"
+#include "output/EscapeText.h"
+#include "output/TimeText.h"
 
 namespace norv::tool {
 

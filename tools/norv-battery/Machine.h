@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "Report.h"
 #include "norv/simulator/SimulatedMachine.h"
+#include "report/Report.h"
 
 namespace norv::tool {
 

@@ -1,5 +1,5 @@
-#include "BinaryStreams.h"
 #include "CommandLine.h"
+#include "output/BinaryStreams.h"
 
 int main(int argc, char** argv) {
   norv::tool::FillMissingStreams();

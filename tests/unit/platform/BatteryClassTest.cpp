@@ -116,7 +116,7 @@ TEST(BatteryClass, WhatIsMarkedAsUnknownIsNotTold) {
   EXPECT_FALSE(battery->cycleCount || battery->temperature || battery->voltage || battery->power || battery->state);
   EXPECT_FALSE(battery->manufactureDate);
   const auto filled = FillBatteryBlock(*battery);
-  EXPECT_EQ(filled.block, platform::BatteryBlock{});
+  EXPECT_EQ(filled.block, firmware::Block{});
   EXPECT_TRUE(filled.complaints.empty());
 }
 

@@ -15,7 +15,6 @@
 #include <sstream>
 #include <string>
 
-#include "CreatePrivateFolder.h"
 #include "battery/NorvBatteries.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
@@ -23,6 +22,7 @@
 #include "norv/shared/norvbios/PrivateBiosWmi.h"
 #include "norv/shared/wmi/WMIClient.h"
 #include "norv/simulator/MachineRecorder.h"
+#include "play/CreatePrivateFolder.h"
 
 namespace norv::test {
 namespace {

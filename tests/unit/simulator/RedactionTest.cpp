@@ -8,12 +8,12 @@
 #include <set>
 #include <system_error>
 
-#include "HexText.h"
 #include "MachineText.h"
-#include "RedactedBlock.h"
 #include "battery/NorvBatteries.h"
+#include "machine/HexText.h"
 #include "norv/simulator/MachineRecorder.h"
 #include "record/TrailingDate.h"
+#include "recording/RedactedBlock.h"
 #include "unit/support/Snapshot.h"
 
 namespace norv::simulator {

@@ -1,10 +1,12 @@
-// BIOS blocks for tests, written by offset as the firmware's document has them.
+// BIOS blocks for tests. Fields of a name lie where the firmware puts them; what holds that against an independent copy
+// of the offsets is the plain decoder of the benchmarks.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "firmware/BatteryInformationBlock.h"
 
 namespace norv::test {
 
@@ -31,27 +33,30 @@ class TestBlock {
     return *this;
   }
 
-  TestBlock& SerialNumber(std::string_view text) { return Text(0x1C, 16, text); }
-  TestBlock& Manufacturer(std::string_view text) { return Text(0x2C, 18, text); }
-  TestBlock& CtNumber(std::string_view text) { return Text(0x3E, 16, text); }
-  TestBlock& DeviceName(std::string_view text) { return Text(0x4F, 7, text); }
-  TestBlock& DesignCapacity(unsigned value) { return Word(0x00, value); }
-  TestBlock& FullChargeCapacity(unsigned value) { return Word(0x02, value); }
-  TestBlock& RemainingCapacity(unsigned value) { return Word(0x04, value); }
-  TestBlock& StatusWord(unsigned value) { return Word(0x12, value); }
-  TestBlock& PackedDate(unsigned value) { return Word(0x5C, value); }
+  TestBlock& Word(firmware::Field field, unsigned value) { return Word(field.offset, value); }
+  TestBlock& Text(firmware::Field field, std::string_view text) { return Text(field.offset, field.width, text); }
+
+  TestBlock& SerialNumber(std::string_view text) { return Text(firmware::kSerialNumber, text); }
+  TestBlock& Manufacturer(std::string_view text) { return Text(firmware::kManufacturer, text); }
+  TestBlock& CtNumber(std::string_view text) { return Text(firmware::kCtNumber, text); }
+  TestBlock& DeviceName(std::string_view text) { return Text(firmware::kDeviceName, text); }
+  TestBlock& DesignCapacity(unsigned value) { return Word(firmware::kDesignCapacity, value); }
+  TestBlock& FullChargeCapacity(unsigned value) { return Word(firmware::kFullChargeCapacity, value); }
+  TestBlock& RemainingCapacity(unsigned value) { return Word(firmware::kRemainingCapacity, value); }
+  TestBlock& StatusWord(unsigned value) { return Word(firmware::kBatteryStatus, value); }
+  TestBlock& PackedDate(unsigned value) { return Word(firmware::kManufactureDate, value); }
 
   const unsigned char* Data() const { return bytes_.data(); }
-  const std::array<unsigned char, 128>& Bytes() const { return bytes_; }
+  const firmware::Block& Bytes() const { return bytes_; }
 
  private:
-  std::array<unsigned char, 128> bytes_{};
+  firmware::Block bytes_{};
 };
 
 // A block of a battery that is all right: valid, with every field filled and no two words alike.
 inline TestBlock HealthyBlock() {
   TestBlock block;
-  for (unsigned offset = 0; offset < 0x1C; offset += 2) {
+  for (unsigned offset = 0; offset < firmware::kSerialNumber.offset; offset += 2) {
     block.Word(offset, 0x1101 + 0x0101 * offset);
   }
   return block.SerialNumber("SN00012019-05-06")

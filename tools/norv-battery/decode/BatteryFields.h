@@ -4,9 +4,9 @@
 #include <array>
 #include <optional>
 
-#include "ReadReport.h"
-#include "Report.h"
 #include "battery/NorvBatteryInfo.h"
+#include "report/ReadReport.h"
+#include "report/Report.h"
 
 namespace norv::tool {
 

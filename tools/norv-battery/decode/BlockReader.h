@@ -12,10 +12,11 @@
 
 #include "decode/DumpText.h"
 #include "decode/Utf16.h"
+#include "firmware/Block.h"
 
 namespace norv::tool {
 
-inline constexpr std::size_t kBlockSize = 128;
+using firmware::kBlockSize;
 
 enum class InputKind {
   Binary,

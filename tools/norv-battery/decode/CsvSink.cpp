@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "EscapeText.h"
+#include "output/EscapeText.h"
 
 namespace norv::tool {
 

@@ -6,11 +6,11 @@
 #include <memory>
 #include <thread>
 
-#include "BinaryStreams.h"
 #include "ExitStatus.h"
-#include "StandardStreams.h"
 #include "decode/DecodeProgress.h"
 #include "decode/Workers.h"
+#include "output/BinaryStreams.h"
+#include "output/StandardStreams.h"
 
 namespace norv::tool {
 

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "OutputTarget.h"
 #include "decode/BlockReader.h"
 #include "decode/DecodePortion.h"
 #include "decode/OfflinePlatform.h"
 #include "decode/RowWriter.h"
+#include "output/OutputTarget.h"
 
 namespace norv::tool {
 

@@ -8,16 +8,16 @@
 #include <string>
 #include <string_view>
 
-#include "EscapeText.h"
 #include "decode/HexDigits.h"
 #include "decode/Lines.h"
 #include "decode/Utf8.h"
+#include "output/EscapeText.h"
 
 namespace norv::tool {
 
 namespace {
 
-using Block = std::array<unsigned char, kBlockSize>;
+using firmware::Block;
 
 // The answer of a slot that nothing was ever written to: every bit clear, or every bit set.
 bool IsEmptyBlock(const unsigned char* block) {

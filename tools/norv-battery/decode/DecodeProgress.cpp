@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "StandardStreams.h"
-#include "Terminal.h"
+#include "output/StandardStreams.h"
+#include "output/Terminal.h"
 
 namespace norv::tool {
 

@@ -7,10 +7,10 @@
 #include <system_error>
 #include <utility>
 
-#include "EscapeText.h"
 #include "decode/BlockReader.h"
 #include "decode/HexDigits.h"
 #include "decode/Lines.h"
+#include "output/EscapeText.h"
 
 namespace norv::tool {
 

@@ -4,14 +4,14 @@
 #include <array>
 #include <string>
 
-#include "EscapeText.h"
-#include "TextBattery.h"
-#include "TextLines.h"
 #include "battery/NorvBatteryInfo.h"
 #include "decode/BatteryFields.h"
 #include "decode/BlockReader.h"
 #include "decode/CsvSink.h"
 #include "decode/JsonSink.h"
+#include "output/EscapeText.h"
+#include "output/TextLines.h"
+#include "report/TextBattery.h"
 
 namespace norv::tool {
 

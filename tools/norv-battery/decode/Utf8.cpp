@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "EscapeText.h"
+#include "output/EscapeText.h"
 
 namespace norv::tool {
 

@@ -8,7 +8,7 @@
 
 namespace norv::tool {
 
-using Block = std::array<unsigned char, kBlockSize>;
+using firmware::Block;
 
 // Values that no block can hold. what() names the place in the JSON text and what was expected there.
 class BlockValueError : public std::runtime_error {

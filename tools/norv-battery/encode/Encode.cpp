@@ -10,20 +10,21 @@
 #include <string_view>
 #include <system_error>
 
-#include "BinaryStreams.h"
-#include "EscapeText.h"
 #include "ExitStatus.h"
 #include "Machine.h"
-#include "OutputTarget.h"
-#include "Report.h"
-#include "StandardStreams.h"
-#include "Terminal.h"
 #include "decode/Utf16.h"
 #include "encode/BlockFromJson.h"
 #include "encode/Utf8Input.h"
+#include "firmware/Commands.h"
 #include "json/Describe.h"
 #include "json/Parse.h"
 #include "norv/platform/Platform.h"
+#include "output/BinaryStreams.h"
+#include "output/EscapeText.h"
+#include "output/OutputTarget.h"
+#include "output/StandardStreams.h"
+#include "output/Terminal.h"
+#include "report/Report.h"
 
 namespace norv::tool {
 
@@ -212,15 +213,14 @@ void EncodeSource(const std::string& name, const std::optional<int>& slot, Block
 
 // What the BIOS of the machine answers for a slot; nothing when it reads no battery there.
 std::optional<Block> AskForBlock(platform::Platform& machine, int slot) {
-  constexpr std::uint32_t kRead = 1;
-  constexpr std::uint32_t kBatteryInformation = 7;
+  constexpr auto kBatteryInformation = static_cast<std::uint32_t>(firmware::Command::BatteryInformation);
   Block input{};
   input[0] = static_cast<unsigned char>(slot);
   Block block{};
   std::uint32_t returnCode = 0;
-  const std::int32_t status =
-      machine.SendBiosCommand(kRead, kBatteryInformation, 1, input.data(), kBlockSize, block.data(), &returnCode);
-  return status == 0 && returnCode == 0 ? std::optional(block) : std::nullopt;
+  const std::int32_t status = machine.SendBiosCommand(firmware::kRead, kBatteryInformation, firmware::kOfBattery,
+                                                      input.data(), kBlockSize, block.data(), &returnCode);
+  return status == 0 && returnCode == firmware::kSuccess ? std::optional(block) : std::nullopt;
 }
 
 void EncodeMachine(const std::string& name, const std::optional<int>& slot, BlockWriter& writer) {

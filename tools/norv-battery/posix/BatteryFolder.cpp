@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "EscapeText.h"
 #include "norv/platform/PowerSupplyPlatform.h"
+#include "output/EscapeText.h"
 
 namespace norv::tool {
 

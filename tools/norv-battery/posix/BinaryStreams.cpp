@@ -1,4 +1,4 @@
-#include "BinaryStreams.h"
+#include "output/BinaryStreams.h"
 
 #include <fcntl.h>
 #include <unistd.h>

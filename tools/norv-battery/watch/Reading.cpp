@@ -1,9 +1,9 @@
 #include "watch/Reading.h"
 
-#include "TimeText.h"
-#include "WriteReport.h"
 #include "json/Describe.h"
 #include "json/Parse.h"
+#include "output/TimeText.h"
+#include "report/WriteReport.h"
 
 namespace norv::tool {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "Report.h"
 #include "json/Value.h"
+#include "report/Report.h"
 
 namespace norv::tool {
 

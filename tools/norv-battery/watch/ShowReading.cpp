@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "EmptySlot.h"
-#include "EscapeText.h"
-#include "TextBattery.h"
 #include "json/Write.h"
+#include "output/EscapeText.h"
+#include "report/EmptySlot.h"
+#include "report/TextBattery.h"
 
 namespace norv::tool {
 

@@ -3,14 +3,14 @@
 #include <array>
 #include <cstdio>
 
-#include "BinaryStreams.h"
 #include "ExitStatus.h"
 #include "Machine.h"
-#include "ReadReport.h"
-#include "StandardStreams.h"
-#include "Terminal.h"
-#include "WriteReport.h"
 #include "norv/platform/Platform.h"
+#include "output/BinaryStreams.h"
+#include "output/StandardStreams.h"
+#include "output/Terminal.h"
+#include "report/ReadReport.h"
+#include "report/WriteReport.h"
 #include "watch/Interrupt.h"
 #include "watch/ShowReading.h"
 

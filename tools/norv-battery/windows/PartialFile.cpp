@@ -1,4 +1,4 @@
-#include "PartialFile.h"
+#include "output/PartialFile.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "Terminal.h"
+#include "output/Terminal.h"
 
 #include <fcntl.h>
 #include <io.h>

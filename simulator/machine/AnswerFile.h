@@ -1,0 +1,14 @@
+// Reads one entry of "answers" of a machine file.
+#pragma once
+
+#include "machine/Answer.h"
+#include "machine/JsonNode.h"
+
+namespace norv::simulator {
+
+Answer ReadAnswer(const JsonNode& node);
+
+// "throws" and what belongs to it.
+Thrown ReadThrown(const JsonNode& node);
+
+}  // namespace norv::simulator

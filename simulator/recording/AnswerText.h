@@ -1,0 +1,18 @@
+// Writes recorded calls in the words of a machine file.
+#pragma once
+
+#include "json/Value.h"
+#include "recording/Recording.h"
+
+namespace norv::simulator {
+
+// One entry of "answers".
+json::Object AnswerJson(const RecordedCall& call);
+
+// One object of a class or an answer.
+json::Object RowJson(const RecordedRow& row);
+
+// A status or a code, "0x80070005".
+std::string CodeText(std::int64_t code);
+
+}  // namespace norv::simulator
