@@ -4,13 +4,13 @@
 #include <charconv>
 #include <cmath>
 
-#include "json/Utf8.h"
+#include "base/Utf8.h"
 
 namespace norv::json {
 
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
+using base::kReplacementCharacter;
 
 enum class Characters { Any, Ascii };
 
@@ -29,9 +29,9 @@ void AppendEscape(char32_t character, std::string& text) {
   if (name != std::string_view::npos) {
     text += '\\';
     text += kNames[name];
-  } else if (character > 0xFFFF) {
-    AppendUnit(0xD800 + ((character - 0x10000) >> 10U), text);
-    AppendUnit(0xDC00 + ((character - 0x10000) & 0x3FFU), text);
+  } else if (character >= base::kBehindTheBasicPlane) {
+    AppendUnit(base::HighSurrogateOf(character), text);
+    AppendUnit(base::LowSurrogateOf(character), text);
   } else {
     AppendUnit(character, text);
   }
@@ -45,9 +45,9 @@ bool IsEscaped(char32_t character, Characters characters) {
 void AppendText(std::string_view from, Characters characters, std::string& text) {
   text += '"';
   while (!from.empty()) {
-    const Utf8Sequence first = FirstUtf8Sequence(from);
-    if (IsEscaped(first.character.value_or(kReplacement), characters)) {
-      AppendEscape(first.character.value_or(kReplacement), text);
+    const base::Utf8Sequence first = base::FirstUtf8Sequence(from);
+    if (IsEscaped(first.character.value_or(kReplacementCharacter), characters)) {
+      AppendEscape(first.character.value_or(kReplacementCharacter), text);
     } else {
       text += first.character ? from.substr(0, first.length) : "\xEF\xBF\xBD";
     }

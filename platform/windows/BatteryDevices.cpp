@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "../system-battery/BatteryClass.h"
+#include "base/Utf8.h"
 
 namespace norv::platform::windows {
 
@@ -59,16 +60,6 @@ class DeviceList {
   HDEVINFO list_;
 };
 
-std::string Utf8(const std::wstring& text) {
-  const int length = static_cast<int>(text.size());
-  std::string result(
-      static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
-      '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), static_cast<int>(result.size()), nullptr,
-                      nullptr);
-  return result;
-}
-
 // An open battery device. Every battery that is put in gets a tag of its own, so that no question about one is answered
 // with what is true of the next.
 class BatteryDevice {
@@ -100,7 +91,7 @@ class BatteryDevice {
     std::array<wchar_t, MAX_BATTERY_STRING_SIZE> text{};
     // Without the last character, so that there always is an end.
     AskInformation(level, text.data(), static_cast<DWORD>((text.size() - 1) * sizeof(wchar_t)));
-    return Utf8(text.data());
+    return base::WideToUtf8(text.data());
   }
 
   std::optional<BATTERY_STATUS> Status() {

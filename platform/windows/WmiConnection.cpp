@@ -9,6 +9,7 @@
 #include "ComOwners.h"
 #include "ComUse.h"
 #include "Remarks.h"
+#include "base/Utf8.h"
 
 namespace norv::platform::windows {
 
@@ -21,15 +22,6 @@ constexpr auto kNoObject = static_cast<long>(WBEM_E_NOT_FOUND);
 void AllowImpersonation(IUnknown* interface_) {
   static_cast<void>(CoSetProxyBlanket(interface_, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
                                       RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE));
-}
-
-// An invalid sequence becomes the replacement character.
-std::string ToUtf8(const wchar_t* text, UINT size) {
-  const int wide = static_cast<int>(size);
-  const int length = WideCharToMultiByte(CP_UTF8, 0, text, wide, nullptr, 0, nullptr, nullptr);
-  std::string utf8(static_cast<std::size_t>(length), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, wide, utf8.data(), length, nullptr, nullptr);
-  return utf8;
 }
 
 class ComConnection : public WmiConnection {
@@ -96,7 +88,7 @@ class ComConnection : public WmiConnection {
       return result;
     }
     const BSTR text = found.Get().bstrVal;
-    value = ToUtf8(text, SysStringLen(text));
+    value = base::WideToUtf8({text, SysStringLen(text)});
     return 0;
   }
 
@@ -130,8 +122,8 @@ class ComConnection : public WmiConnection {
     object.Reset();
     objects_.Reset();
     if (result == WBEM_S_TIMEDOUT) {
-      Remark(RemarkKind::Failure, "WMI has not answered within " + std::to_string(patience.count()) +
-                                      " ms: " + ToUtf8(query_.data(), static_cast<UINT>(query_.size())));
+      Remark(RemarkKind::Failure,
+             "WMI has not answered within " + std::to_string(patience.count()) + " ms: " + base::WideToUtf8(query_));
       return static_cast<HRESULT>(WBEM_E_TIMED_OUT);
     }
     return FAILED(result) ? result : S_OK;

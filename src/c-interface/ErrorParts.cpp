@@ -1,5 +1,6 @@
 #include "c-interface/ErrorParts.h"
 
+#include "base/Utf8.h"
 #include "c-interface/Guard.h"
 #include "c-interface/Texts.h"
 
@@ -34,7 +35,8 @@ norv_battery_status WriteError(const error::Error& failure, norv_battery_error* 
 norv_battery_status CopyErrorText(const error::Error& failure, std::int32_t part, char* buffer, std::size_t bufferSize,
                                   std::size_t* needed) {
   const char* const text = Part(failure, part);
-  return text != nullptr ? CopyText(BytesToUtf8(text), buffer, bufferSize, needed) : NORV_BATTERY_INVALID_ARGUMENT;
+  return text != nullptr ? CopyText(base::BytesToUtf8(text), buffer, bufferSize, needed)
+                         : NORV_BATTERY_INVALID_ARGUMENT;
 }
 
 }  // namespace norv::shared::battery::c_interface

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "c-interface/Texts.h"
+#include "base/Utf8.h"
 #include "diagnostics/MemoryWatch.h"
 #include "firmware/BatteryInformationBlock.h"
 #include "firmware/CellSwellProtectionBlock.h"
@@ -18,6 +18,9 @@
 namespace norv::shared::battery::c_interface {
 
 namespace {
+
+using base::BytesToUtf8;
+using base::ValidUtf8;
 
 using Info = NorvBatteryInfo;
 using CellSwell = NorvBatteryCellSwellProtectionInfo;

@@ -1,6 +1,6 @@
 #include "c-interface/HostLog.h"
 
-#include "c-interface/Texts.h"
+#include "base/Utf8.h"
 
 namespace norv::shared::battery::c_interface {
 
@@ -15,7 +15,7 @@ bool HostLog::Wants(diagnostics::Severity severity) const {
 }
 
 void HostLog::Write(diagnostics::Severity severity, diagnostics::LogSite site, const std::string& text) {
-  callback_(context_, static_cast<std::int32_t>(severity), site.operation, BytesToUtf8(text).c_str());
+  callback_(context_, static_cast<std::int32_t>(severity), site.operation, base::BytesToUtf8(text).c_str());
 }
 
 }  // namespace norv::shared::battery::c_interface

@@ -5,11 +5,9 @@
 #include <cstddef>
 #include <string_view>
 
-namespace norv::shared::battery::record {
+#include "base/Digits.h"
 
-constexpr bool IsDigit(char character) {
-  return character >= '0' && character <= '9';
-}
+namespace norv::shared::battery::record {
 
 // Letters and digits come in no order that the processor could foresee, so it is better not to branch between them. The
 // bit 0x20 is what upper and lower case differ by.
@@ -34,7 +32,8 @@ constexpr bool HasLayout(std::string_view text, std::string_view layout) {
   for (std::size_t position = 0; position < text.size(); ++position) {
     const char character = text[position];
     const char wanted = layout[position];
-    fits &= wanted == 'x' ? IsLetterOrDigit(character) : (wanted == '0' ? IsDigit(character) : character == wanted);
+    fits &=
+        wanted == 'x' ? IsLetterOrDigit(character) : (wanted == '0' ? base::IsDigit(character) : character == wanted);
   }
   return fits;
 }

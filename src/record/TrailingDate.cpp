@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "record/Characters.h"
+#include "base/Digits.h"
 
 namespace norv::shared::battery::record {
 
@@ -35,15 +35,7 @@ bool Matches(char character, const DateShape& shape, std::size_t position) {
     return kSeparators.find(character) != std::string_view::npos;
   }
   const bool isCentury = position == shape.year || position == shape.year + 1;
-  return isCentury ? character == wanted : IsDigit(character);
-}
-
-int ReadNumber(std::string_view digits) {
-  int value = 0;
-  for (const char digit : digits) {
-    value = 10 * value + (digit - '0');
-  }
-  return value;
+  return isCentury ? character == wanted : base::IsDigit(character);
 }
 
 std::optional<TrailingDate> Match(std::string_view text, const DateShape& shape) {
@@ -56,8 +48,8 @@ std::optional<TrailingDate> Match(std::string_view text, const DateShape& shape)
       return std::nullopt;
     }
   }
-  const TrailingDate date{ReadNumber(text.substr(shape.year, shape.yearDigits)),
-                          ReadNumber(text.substr(shape.month, 2)), ReadNumber(text.substr(shape.day, 2))};
+  const TrailingDate date{base::ReadDigits(text.substr(shape.year, shape.yearDigits)),
+                          base::ReadDigits(text.substr(shape.month, 2)), base::ReadDigits(text.substr(shape.day, 2))};
   const bool exists = date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31;
   return exists ? std::optional(date) : std::nullopt;
 }

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Utf8.h"
 #include "json/Parse.h"
-#include "output/EscapeText.h"
 
 namespace norv::test {
 
@@ -209,7 +209,7 @@ class MachineMaker {
     }
     constexpr double kLongest = 40;
     const auto most = static_cast<std::size_t>(std::min(schema["maxLength"].Number().value_or(kLongest), kLongest));
-    return tool::BytesToUtf8(choices_.ConsumeRandomLengthString(most));
+    return base::BytesToUtf8(choices_.ConsumeRandomLengthString(most));
   }
 
   Value MakeNumber(const Value& schema, const std::string& key) {

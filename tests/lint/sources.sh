@@ -3,7 +3,7 @@
 # Untracked sources count too: what is about to be committed is what should be checked.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-[[ $# -gt 0 ]] || set -- include firmware src platform json simulator tools tests bench cmake
+[[ $# -gt 0 ]] || set -- include base firmware src platform json simulator tools tests bench cmake
 for folder in "$@"; do
   [[ -d $folder ]] || continue
   find "$folder" -type f \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \)

@@ -60,11 +60,6 @@ TEST(PrintableLine, LeavesOutTheMiddle) {
   EXPECT_LT(line.size(), 3100U);
 }
 
-TEST(BytesToUtf8, TakesBytesForCodePoints) {
-  EXPECT_EQ(BytesToUtf8("A\x7F"), "A\x7F");
-  EXPECT_EQ(BytesToUtf8("\x80\xBF\xC0\xFF"), "\xC2\x80\xC2\xBF\xC3\x80\xC3\xBF");
-}
-
 TEST(WithoutLineBreak, CutsTheLastOneOnly) {
   EXPECT_EQ(WithoutLineBreak("Access is denied.\r\n"), "Access is denied.");
   EXPECT_EQ(WithoutLineBreak("a\r\nb"), "a\r\nb");

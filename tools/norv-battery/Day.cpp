@@ -2,20 +2,15 @@
 
 #include <chrono>
 
+#include "base/Digits.h"
+
 namespace norv::tool {
 
 namespace {
 
 // The digits of `text` as a number; nothing where anything else stands.
 std::optional<int> Number(std::string_view text) {
-  int number = 0;
-  for (const char digit : text) {
-    if (digit < '0' || digit > '9') {
-      return std::nullopt;
-    }
-    number = 10 * number + (digit - '0');
-  }
-  return number;
+  return base::AreDigits(text) ? std::optional(base::ReadDigits(text)) : std::nullopt;
 }
 
 }  // namespace

@@ -7,9 +7,9 @@
 #include <sstream>
 #include <string>
 
+#include "base/Utf8.h"
 #include "json/Describe.h"
 #include "json/Parse.h"
-#include "json/Utf8.h"
 #include "json/Write.h"
 
 namespace norv::json {
@@ -75,7 +75,7 @@ TEST(Json, WritesAnyBytesAsTheOtherLibraryDoes) {
       ASSERT_EQ(Write(text), WrittenByOther(text));
     }
     ASSERT_EQ(QuoteInAscii(text), Other(text).dump(-1, ' ', true, Other::error_handler_t::replace));
-    ASSERT_EQ(IsUtf8(text), WrittenByOther(text).find("\xEF\xBF\xBD") == std::string::npos);
+    ASSERT_EQ(base::IsUtf8(text), WrittenByOther(text).find("\xEF\xBF\xBD") == std::string::npos);
   }
 }
 

@@ -4,9 +4,9 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "decode/Lines.h"
 #include "decode/Recognise.h"
-#include "decode/Utf8.h"
 
 namespace norv::tool {
 
@@ -69,7 +69,7 @@ bool BlockReader::Read(Portion& portion) {
 // Leaves `portion` with a problem where there is nothing to be read.
 void BlockReader::Open(Portion& portion) {
   const std::string& name = sources_[next_++];
-  source_ = ToUtf8(name);
+  source_ = base::AsUtf8(name);
   portion.source = source_;
   portion.firstRow = row_ = 0;
   portion.firstPlace = place_ = 0;

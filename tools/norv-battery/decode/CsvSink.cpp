@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Utf8.h"
 #include "output/EscapeText.h"
 
 namespace norv::tool {
@@ -44,7 +45,7 @@ std::string Harmless(std::string_view text) {
 }  // namespace
 
 void CsvSink::Bytes(const char* /*key*/, std::string_view bytes) {
-  IsPlain(bytes) ? Plain(bytes) : Special(BytesToUtf8(bytes));
+  IsPlain(bytes) ? Plain(bytes) : Special(base::BytesToUtf8(bytes));
 }
 
 void CsvSink::Utf8(const char* /*key*/, std::string_view text) {

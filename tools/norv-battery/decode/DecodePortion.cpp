@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/Utf8.h"
 #include "decode/HexDigits.h"
 #include "decode/Lines.h"
-#include "decode/Utf8.h"
 #include "output/EscapeText.h"
 
 namespace norv::tool {
@@ -80,10 +80,10 @@ class Decoder {
     }
     const std::string_view id = Trim(line.substr(0, comma));
     const std::string_view digits = line.substr(comma + 1);
-    if (IsUtf8(id)) {
+    if (base::IsUtf8(id)) {
       DecodeDigits(id, digits, comma + 2);
     } else {
-      DecodeDigits(ToUtf8(id), digits, comma + 2);
+      DecodeDigits(base::BytesToUtf8(id), digits, comma + 2);
     }
   }
 

@@ -87,21 +87,6 @@ std::string PrintableLine(std::string_view line) {
   return text;
 }
 
-std::string BytesToUtf8(std::string_view bytes) {
-  std::string text;
-  text.reserve(bytes.size());
-  for (const char character : bytes) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < 0x80) {
-      text += character;
-    } else {
-      text += static_cast<char>(0xC0U | (byte >> 6U));
-      text += static_cast<char>(0x80U | (byte & 0x3FU));
-    }
-  }
-  return text;
-}
-
 std::string_view WithoutLineBreak(std::string_view message) {
   const auto last = message.find_last_not_of("\r\n");
   return last == std::string_view::npos ? std::string_view() : message.substr(0, last + 1);

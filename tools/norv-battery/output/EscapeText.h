@@ -24,10 +24,6 @@ std::string Quote(std::string_view bytes);
 // as \xNN, a backslash stays, and of what is very long the middle is left out. Printable lines stay as they are.
 std::string PrintableLine(std::string_view line);
 
-// `bytes` as UTF-8: each byte is taken for the code point of its number, U+0000 to U+00FF. Machine files write the
-// firmware's texts the same way, so that a text of a report can be copied into one.
-std::string BytesToUtf8(std::string_view bytes);
-
 // `message` without the line break that the system's own messages end in. It is a part of `message`.
 std::string_view WithoutLineBreak(std::string_view message);
 

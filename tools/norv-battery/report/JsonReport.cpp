@@ -1,8 +1,8 @@
 #include <cmath>
 #include <type_traits>
 
+#include "base/Utf8.h"
 #include "json/Write.h"
-#include "output/EscapeText.h"
 #include "report/Verdict.h"
 #include "report/WriteReport.h"
 
@@ -10,6 +10,7 @@ namespace norv::tool {
 
 namespace {
 
+using base::BytesToUtf8;
 using json::Array;
 using json::Object;
 using json::Value;
