@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,8 @@ namespace norv::simulator {
 
 class JsonNode {
  public:
+  static constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
   // Both must outlive the node and those made from it.
   JsonNode(const json::Value& value, const std::string& file);
 
@@ -23,12 +26,12 @@ class JsonNode {
 
   // Each throws MachineFileError when the value is not of its kind. Whole numbers may be written as 3, 3.0 or 3e0.
   const std::string& Text() const;
-  std::string ByteText(std::size_t maxLength) const;  // one byte for each code point up to U+00FF
+  std::string ByteText(std::size_t maxLength = kAnyNumber) const;  // one byte for each code point up to U+00FF
   std::int64_t WholeNumber(std::int64_t least, std::int64_t most) const;
   std::uint32_t Code() const;       // not 0; a number, or "0x80070005"
   std::int32_t SignedCode() const;  // the same, a number as a signed one
   void ExpectTrue() const;
-  std::vector<JsonNode> Items(std::size_t most) const;
+  std::vector<JsonNode> Items(std::size_t most = kAnyNumber) const;
   std::vector<JsonNode> Members() const;
   std::optional<JsonNode> Member(const std::string& key) const;
   JsonNode RequiredMember(const std::string& key, const std::string& expected) const;

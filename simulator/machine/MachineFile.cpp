@@ -19,7 +19,6 @@ namespace norv::simulator {
 
 namespace {
 
-constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 constexpr std::size_t kLongestMessage = 65535;
 constexpr std::int64_t kLongestRun = 3600000;  // milliseconds: an hour
 constexpr std::int64_t kLargestOffset = 840;   // minutes: no zone is further from UTC
@@ -201,12 +200,12 @@ void ReadSurroundings(const JsonNode& root, MachineDescription& machine) {
     ReadClock(*node, machine);
   }
   if (const auto node = root.Member("answers")) {
-    for (const JsonNode& answer : node->Items(kAnyNumber)) {
+    for (const JsonNode& answer : node->Items()) {
       machine.answers.push_back(ReadAnswer(answer));
     }
   }
   if (const auto node = root.Member("faults")) {
-    for (const JsonNode& fault : node->Items(kAnyNumber)) {
+    for (const JsonNode& fault : node->Items()) {
       machine.faults.push_back(ReadFault(fault));
     }
   }

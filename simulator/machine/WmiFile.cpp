@@ -10,12 +10,10 @@ namespace norv::simulator {
 
 namespace {
 
-constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
-
 TextRead ReadTextRead(const JsonNode& node) {
   TextRead read;
   if (!node.IsObject()) {
-    read.value = node.ByteText(kAnyNumber);
+    read.value = node.ByteText();
   } else if (node.Member("throws")) {
     node.ExpectKeys({"throws", "text", "number", "category"});
     read.thrown = ReadThrown(node);
@@ -105,7 +103,7 @@ NamespaceDescription ReadNamespace(const JsonNode& node) {
 
 std::vector<Row> ReadRows(const JsonNode& node) {
   std::vector<Row> rows;
-  for (const JsonNode& row : node.Items(kAnyNumber)) {
+  for (const JsonNode& row : node.Items()) {
     rows.push_back(ReadRow(row));
   }
   return rows;
