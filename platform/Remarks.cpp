@@ -1,29 +1,18 @@
 #include "Remarks.h"
 
-#include <utility>
-
 namespace norv::platform {
-
-namespace {
-
-// Plain data: nothing to construct or destroy when a thread or the library comes or goes.
-thread_local RemarkListener* currentListener = nullptr;
-
-}  // namespace
 
 RemarkListener::~RemarkListener() = default;
 
-ScopedRemarkListener::ScopedRemarkListener(RemarkListener& listener)
-    : previous_(std::exchange(currentListener, &listener)) {
+RemarkListener*& RemarkListener::Current() {
+  // Plain data: nothing to construct or destroy when a thread or the library comes or goes.
+  thread_local RemarkListener* current = nullptr;
+  return current;
 }
 
-ScopedRemarkListener::~ScopedRemarkListener() {
-  currentListener = previous_;
-}
-
-void Remark(RemarkKind kind, std::string_view remark) {
-  if (currentListener != nullptr) {
-    currentListener->Hear(kind, remark);
+void Tell(const Remark& remark) {
+  if (RemarkListener* const listener = RemarkListener::Current()) {
+    listener->Hear(remark);
   }
 }
 

@@ -1,13 +1,50 @@
-// How a platform tells what its answers do not: that one is not quite what the system told, or why there is none.
+// What a platform's answers do not tell: that one is not quite what the system told, or why there is none.
 #pragma once
 
-#include <string_view>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <variant>
 
 namespace norv::platform {
 
-enum class RemarkKind { Note, Failure };
+// WMI was waited for so long and gave no object of the query.
+struct WmiTimedOut {
+  std::chrono::milliseconds patience;
+  std::wstring query;
+};
 
-// Hears what a platform remarks. A platform does not log: who asks it puts a listener in place and does that.
+// What stands in a battery-information block otherwise than the driver told it. A field goes by its own name.
+struct NumberClamped {
+  const char* field;
+  std::int64_t told;
+  std::int64_t stored;
+};
+struct TextCut {
+  const char* field;
+  std::string told;
+  std::size_t stored;  // bytes
+  std::size_t width;
+};
+struct DateLeftOut {
+  std::int64_t year;
+  std::int64_t month;
+  std::int64_t day;
+};
+struct CapacitiesOfTheMoment {
+  std::int64_t voltage;  // mV, at which the driver's energies were made charges
+};
+using Deviation = std::variant<NumberClamped, TextCut, DateLeftOut, CapacitiesOfTheMoment>;
+
+struct BlockDeviates {
+  std::uint32_t slot;
+  Deviation deviation;
+};
+
+using Remark = std::variant<WmiTimedOut, BlockDeviates>;
+
+// A platform does not log: who asks it listens (Listening<RemarkListener>) and finds the words.
 class RemarkListener {
  public:
   RemarkListener() = default;
@@ -15,24 +52,13 @@ class RemarkListener {
   RemarkListener& operator=(const RemarkListener&) = delete;
   virtual ~RemarkListener();
 
-  // One line of text. Not to throw.
-  virtual void Hear(RemarkKind kind, std::string_view remark) = 0;
-};
+  // Throws nothing but std::bad_alloc.
+  virtual void Hear(const Remark& remark) = 0;
 
-// Lets a listener hear what platforms remark on this thread for as long as the scope lives, then puts the one before it
-// back. The listener outlives the scope.
-class ScopedRemarkListener {
- public:
-  explicit ScopedRemarkListener(RemarkListener& listener);
-  ScopedRemarkListener(const ScopedRemarkListener&) = delete;
-  ScopedRemarkListener& operator=(const ScopedRemarkListener&) = delete;
-  ~ScopedRemarkListener();
-
- private:
-  RemarkListener* previous_;
+  static RemarkListener*& Current();
 };
 
 // Tells the listener, if there is one.
-void Remark(RemarkKind kind, std::string_view remark);
+void Tell(const Remark& remark);
 
 }  // namespace norv::platform

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "../Remarks.h"
 #include "firmware/BatteryInformationBlock.h"
 #include "firmware/Commands.h"
 #include "firmware/PackedDate.h"
@@ -134,8 +133,7 @@ class BlockWriter {
     const std::size_t length = CutLength(text, field.width);
     std::copy_n(text.begin(), length, filled_.block.begin() + static_cast<std::ptrdiff_t>(field.offset));
     if (length < text.size()) {
-      Complain(std::string("the ") + name + " \"" + text + "\" is cut to its first " + std::to_string(length) +
-               " bytes; its field has " + std::to_string(field.width));
+      Deviate(TextCut{name, text, length, field.width});
     }
   }
 
@@ -145,14 +143,13 @@ class BlockWriter {
     }
     const firmware::PackedDate packed{date->year, date->month, date->day};
     if (!firmware::CanPack(packed) || date->month < 1 || date->month > 12 || date->day < 1) {
-      Complain("the manufacture date " + std::to_string(date->year) + "-" + std::to_string(date->month) + "-" +
-               std::to_string(date->day) + " is none that a battery can tell, and is left out");
+      Deviate(DateLeftOut{date->year, date->month, date->day});
       return;
     }
     Store(field, firmware::Pack(packed));
   }
 
-  void Complain(std::string complaint) { filled_.complaints.push_back(std::move(complaint)); }
+  void Deviate(Deviation deviation) { filled_.deviations.push_back(std::move(deviation)); }
 
   FilledBlock Take() { return std::move(filled_); }
 
@@ -162,8 +159,7 @@ class BlockWriter {
     const std::int64_t stored = std::clamp(number.value_or(0), smallest, largest);
     Store(field, static_cast<std::uint16_t>(stored & kLargestWord));
     if (number.has_value() && stored != *number) {
-      Complain(std::string("the ") + name + " " + std::to_string(*number) + " does not fit: " + std::to_string(stored) +
-               " stands for it");
+      Deviate(NumberClamped{name, *number, stored});
     }
   }
 
@@ -190,9 +186,7 @@ FilledBlock FillBatteryBlock(const SystemBattery& battery) {
   writer.Text(firmware::kDeviceName, "device name", battery.deviceName);
   writer.Date(firmware::kManufactureDate, battery.manufactureDate);
   if (AreCapacitiesOfTheMoment(battery)) {
-    writer.Complain(
-        "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, " +
-        std::to_string(*battery.standInVoltage) + " mV");
+    writer.Deviate(CapacitiesOfTheMoment{*battery.standInVoltage});
   }
   return writer.Take();
 }
@@ -215,11 +209,11 @@ std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::u
     *returnCode = firmware::kEmptySlot;
     return 0;
   }
-  const FilledBlock filled = FillBatteryBlock(*battery);
+  FilledBlock filled = FillBatteryBlock(*battery);
   std::copy(filled.block.begin(), filled.block.end(), output);
   *returnCode = firmware::kSuccess;
-  for (const std::string& complaint : filled.complaints) {
-    Remark(RemarkKind::Note, "Battery index " + std::to_string(*input) + ": " + complaint);
+  for (Deviation& deviation : filled.deviations) {
+    Tell(BlockDeviates{*input, std::move(deviation)});
   }
   return 0;
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "../Remarks.h"
 #include "firmware/Block.h"
 
 namespace norv::platform {
@@ -53,7 +54,7 @@ inline constexpr const char* kSystemBatterySource = "the system's battery driver
 
 struct FilledBlock {
   firmware::Block block{};
-  std::vector<std::string> complaints;  // what does not stand in the block as the driver told it, a line each
+  std::vector<Deviation> deviations;  // what does not stand in the block as the driver told it
 };
 
 // The battery-information block in the units of the Smart Battery Data Specification. What is not known is 0 or an
@@ -61,7 +62,7 @@ struct FilledBlock {
 //
 // - Capacities are mAh. Energy is divided by the design voltage, which is how gauges relate the two. Without
 //   one the charge is not known, unless the system never tells a design voltage and names another in its stead, which
-//   leaves the shares of the capacities in each other as they are; that is a complaint.
+//   leaves the shares of the capacities in each other as they are; that is a deviation.
 // - The current is mA in two's complement, negative for a battery that discharges. Where the driver tells a power only,
 //   it is divided by the voltage of the moment. Drivers differ in the sign of what they tell, so that the state decides
 //   it: negative while the battery discharges, positive while it charges, and as told otherwise.
@@ -70,12 +71,12 @@ struct FilledBlock {
 //   remaining capacity is 0 and the full charge capacity is not.
 // - A number that is too large for its word becomes the largest (or, negative, the smallest) that fits, and a negative
 //   number of a field that has no sign becomes 0. A text is cut to its field, between characters where it is UTF-8.
-//   Each of these is a complaint.
+//   Each of these is a deviation.
 FilledBlock FillBatteryBlock(const SystemBattery& battery);
 
 // What the running system answers to a BIOS command; `read` gives the battery in a slot, nothing where there is none.
 //
-//   (1, 7, 1)    the battery's block, its complaints as remarks; return code 6 without a battery
+//   (1, 7, 1)    the battery's block, its deviations as remarks; return code 6 without a battery
 //   all others   return code 4, not supported: cell swell protection data is in the firmware alone
 //
 // A command without input, or without room for an answer, fails with the status E_INVALIDARG.

@@ -122,8 +122,7 @@ class ComConnection : public WmiConnection {
     object.Reset();
     objects_.Reset();
     if (result == WBEM_S_TIMEDOUT) {
-      Remark(RemarkKind::Failure,
-             "WMI has not answered within " + std::to_string(patience.count()) + " ms: " + base::WideToUtf8(query_));
+      Tell(WmiTimedOut{patience, query_});
       return static_cast<HRESULT>(WBEM_E_TIMED_OUT);
     }
     return FAILED(result) ? result : S_OK;

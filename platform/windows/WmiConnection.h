@@ -24,7 +24,7 @@ constexpr Patience kWmiPatience{.firstObject = std::chrono::minutes(2), .nextObj
 // has initialised COM on in any way, or not at all. A connection is used, and destroyed, on the thread that it was made
 // on.
 //
-// A wait that ends without an object is remarked as a failure, with the query: who asked hears of a query that failed
+// A wait that ends without an object is remarked, with the query: who asked hears of a query that failed
 // or of no further object, and cannot tell it from an answer.
 long ConnectWmi(const std::wstring& namespacePath, Patience patience, std::unique_ptr<WmiConnection>& connection);
 

@@ -4,39 +4,32 @@
 #include <cassert>
 #include <cstring>
 
-#include "Remarks.h"
 #include "access/BiosRead.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvBatteryTestInfo.h"
-#include "diagnostics/Failures.h"
-#include "diagnostics/Log.h"
-#include "diagnostics/RemarksToLog.h"
+#include "diagnostics/LoggedRemarks.h"
+#include "diagnostics/Operation.h"
 #include "norv/shared/norvbios/PrivateBiosWmi.h"
 #include "test/ResultCodes.h"
 
 namespace norv::shared::battery {
 
-using diagnostics::Guarded;
-using diagnostics::Log;
+using diagnostics::Operation;
 using diagnostics::Severity;
 using test::kNoVerdict;
 
 namespace {
 
-constexpr const char* kConstructor = "norv::shared::battery::NorvBatteries::NorvBatteries";
 constexpr const char* kRunBatteryTest = "norv::shared::battery::NorvBatteries::RunBatteryTest";
 
 // Runs the test and takes its verdict over. A test object of the host's may throw; that counts as no verdict.
-void RunTest(NorvBatteries& batteries, NorvBatteryTestInfo* testInfo, error::Error& stored) {
-  const bool verdict = Guarded(stored, kRunBatteryTest, [&batteries, testInfo] {
+bool RunTest(NorvBatteries& batteries, NorvBatteryTestInfo* testInfo, error::Error& stored) {
+  return Operation(kRunBatteryTest, stored).Run([&batteries, testInfo] {
     if (testInfo != nullptr) {
       testInfo->RunBatteryTest();
     }
     return batteries.RunBatteryTest();
   });
-  if (!verdict) {
-    Log(Severity::Error, kConstructor, {"Error running the battery test"});
-  }
 }
 
 }  // namespace
@@ -48,38 +41,31 @@ NorvBatteries::NorvBatteries() : NorvBatteries(false, false, nullptr, nullptr) {
 NorvBatteries::NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, void* bios,
                              NorvBatteryTestInfo* testInfo)
     : batteries_{nullptr, nullptr}, bios_(static_cast<norvbios::PrivateBiosWmi*>(bios)), testInfo_(testInfo) {
-  Log(Severity::Info, kConstructor, {"Started ", kConstructor, " "});
-  Guarded(error_, kConstructor, [this] {
-    access::Channel(bios_);
-    return true;
-  });
+  const Operation operation("norv::shared::battery::NorvBatteries::NorvBatteries", error_);
+  operation.LogStarted(" ");
+  operation.Run([this] { access::Channel(bios_); });
   if (testInfo_ == nullptr && runBatteryTest) {
-    Guarded(error_, kConstructor, [this] {
-      testInfo_ = new NorvBatteryTestInfo;
-      return true;
-    });
+    operation.Run([this] { testInfo_ = new NorvBatteryTestInfo; });
   }
   for (unsigned char index = 0; index < firmware::kSlotCount; ++index) {
     if (!ReadNorvBatteryInfo(index)) {
       if (index == 0) {  // a second battery that is missing is normal
-        Log(Severity::Error, kConstructor, {"Error getting battery information"});
+        operation.Log(Severity::Error, {"Error getting battery information"});
       }
     } else if (readCellSwellProtection && !ReadNorvBatteryCSP(index)) {
-      Log(Severity::Error, kConstructor, {"Error reading Cell Swell Protection data"});
+      operation.Log(Severity::Error, {"Error reading Cell Swell Protection data"});
     }
   }
-  if (runBatteryTest) {
-    RunTest(*this, testInfo_, error_);
+  if (runBatteryTest && !RunTest(*this, testInfo_, error_)) {
+    operation.Log(Severity::Error, {"Error running the battery test"});
   }
   if (batteries_[0] != nullptr) {
-    Guarded(error_, kConstructor, [this] {
-      diagnostics::RemarksToLog remarks(kConstructor);
-      const platform::ScopedRemarkListener listening(remarks);
+    operation.Run([this, &operation] {
+      const diagnostics::LoggedRemarks remarks(operation);
       batteries_[0]->GetBiosBatterySettings();
-      return true;
     });
   }
-  Log(Severity::Info, kConstructor, {"Finished ", kConstructor});
+  operation.LogFinished();
 }
 
 NorvBatteries::NorvBatteries(const NorvBatteries& other) = default;
@@ -96,14 +82,11 @@ NorvBatteries::~NorvBatteries() {
 }
 
 bool NorvBatteries::RunBatteryTest() {
-  Log(Severity::Info, kRunBatteryTest, {"Started ", kRunBatteryTest});
-  const bool verdict = Guarded(error_, kRunBatteryTest, [this] {
+  const Operation operation(kRunBatteryTest, error_);
+  operation.LogStarted();
+  const bool verdict = operation.Run([this, &operation] {
     if (testInfo_ == nullptr || testInfo_->GetBatteryTestResult() == kNoVerdict) {
-      diagnostics::Report(
-          error_,
-          diagnostics::ValueError<int>(kNoVerdict, "Battery Test Error - Battery is not supported", kRunBatteryTest),
-          kRunBatteryTest);
-      return false;
+      return operation.Fail(diagnostics::WrongValue<int>(kNoVerdict, "Battery Test Error - Battery is not supported"));
     }
     if (batteries_[0] != nullptr) {
       batteries_[0]->SetBatteryTestInfo(*testInfo_);
@@ -111,7 +94,7 @@ bool NorvBatteries::RunBatteryTest() {
     return true;
   });
   if (verdict) {
-    Log(Severity::Info, kRunBatteryTest, {"Finished ", kRunBatteryTest, " "});
+    operation.LogFinished(" ");
   }
   return verdict;
 }

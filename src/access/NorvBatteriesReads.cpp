@@ -4,35 +4,25 @@
 #include <new>
 #include <string>
 
-#include "Remarks.h"
 #include "access/BiosRead.h"
 #include "battery/NorvBatteries.h"
 #include "battery/NorvBatteryInfo.h"
-#include "diagnostics/Failures.h"
-#include "diagnostics/Log.h"
-#include "diagnostics/RemarksToLog.h"
+#include "diagnostics/LoggedRemarks.h"
+#include "diagnostics/Operation.h"
 
 namespace norv::shared::battery {
 
-using diagnostics::Log;
-using diagnostics::Report;
+using diagnostics::Operation;
 using diagnostics::Severity;
-using diagnostics::SystemMessageError;
-using diagnostics::ValueError;
+using diagnostics::SystemFailure;
+using diagnostics::WrongValue;
 
 namespace {
 
-constexpr unsigned char kLastIndex = 1;
-constexpr const char* kReadInfo = "norv::shared::battery::NorvBatteries::ReadNorvBatteryInfo";
-constexpr const char* kReadCsp = "norv::shared::battery::NorvBatteries::ReadNorvBatteryCSP";
+constexpr unsigned char kLastIndex = firmware::kSlotCount - 1;
 
-error::Error InvalidIndexError(const char* operation) {
-  return ValueError<int>(0, "Invalid battery index", operation);
-}
-
-error::Error ReturnCodeError(std::uint32_t returnCode, const char* message, const char* operation) {
-  return ValueError<unsigned long>(returnCode, message, operation);
-}
+constexpr const char* kInvalidIndex = "Invalid battery index";
+constexpr const char* kRefused = "PrivateBiosWMI error";
 
 // Only the second slot may be empty without that being a failure.
 bool IsAbsentSecondBattery(unsigned char index, std::uint32_t returnCode) {
@@ -51,84 +41,75 @@ NorvBatteryInfo* NewRecord(const unsigned char* block) {
   }
 }
 
-// Nothing leaves a read as an exception.
+// What a read throws is reported in the reads' own way.
 template <typename Read>
-bool GuardedRead(error::Error& stored, const char* operation, Read read) noexcept {
-  try {
-    return read();
-  } catch (...) {
-    Report(stored, diagnostics::ReadExceptionError(std::current_exception()), operation);
-    return false;
-  }
+bool RunRead(const Operation& operation, Read read) noexcept {
+  return diagnostics::Guarded(read, [&operation](const std::exception_ptr& thrown) {
+    return operation.Fail(diagnostics::ReadExceptionError(thrown));
+  });
 }
 
 }  // namespace
 
 bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
-  Log(Severity::Info, kReadInfo, {"Started ", kReadInfo, " "});
-  return GuardedRead(error_, kReadInfo, [this, index] {
+  const Operation operation("norv::shared::battery::NorvBatteries::ReadNorvBatteryInfo", error_);
+  operation.LogStarted(" ");
+  return RunRead(operation, [this, &operation, index] {
     if (index > kLastIndex) {
-      Report(error_, InvalidIndexError(kReadInfo), kReadInfo);
-      return false;
+      return operation.Fail(WrongValue<int>(0, kInvalidIndex));
     }
-    diagnostics::RemarksToLog remarks(kReadInfo);
-    const platform::ScopedRemarkListener listening(remarks);
+    const diagnostics::LoggedRemarks remarks(operation);
     const access::Answer answer = access::Ask(access::Channel(bios_), firmware::Command::BatteryInformation, index);
     if (answer.channelStatus != 0) {
-      Report(error_, SystemMessageError(answer.channelStatus, kReadInfo), kReadInfo);
-      return false;
+      return operation.Fail(SystemFailure(answer.channelStatus));
     }
     if (IsAbsentSecondBattery(index, answer.returnCode)) {
       // The index goes into the line as the byte it is, not as its digit.
       const char rawIndex = static_cast<char>(index);
-      Log(Severity::Verbose, kReadInfo, {"Battery index ", {&rawIndex, 1}, " not detected"});
+      operation.Log(Severity::Verbose, {"Battery index ", {&rawIndex, 1}, " not detected"});
       return false;
     }
     if (answer.returnCode != firmware::kSuccess) {
-      Report(error_, ReturnCodeError(answer.returnCode, "PrivateBiosWMI error", kReadInfo), kReadInfo);
-      return false;
+      return operation.Fail(WrongValue<unsigned long>(answer.returnCode, kRefused));
     }
     // The new record stands before the old one goes: a construction that fails leaves the slot as it was.
     NorvBatteryInfo* const fresh = NewRecord(answer.block.data());
     delete batteries_[index];
     batteries_[index] = fresh;
-    Log(Severity::Info, kReadInfo, {"Finished ", kReadInfo, " "});
+    operation.LogFinished(" ");
     return true;
   });
 }
 
 bool NorvBatteries::ReadNorvBatteryCSP(unsigned char index) {
-  Log(Severity::Info, kReadCsp, {"Started ", kReadCsp, " "});
-  return GuardedRead(error_, kReadCsp, [this, index] {
+  const Operation operation("norv::shared::battery::NorvBatteries::ReadNorvBatteryCSP", error_);
+  operation.LogStarted(" ");
+  return RunRead(operation, [this, &operation, index] {
     if (index > kLastIndex) {
-      Report(error_, InvalidIndexError(kReadCsp), kReadCsp);
-      return false;
+      return operation.Fail(WrongValue<int>(0, kInvalidIndex));
     }
     const access::Answer answer = access::Ask(access::Channel(bios_), firmware::Command::CellSwellProtection, index);
     if (answer.channelStatus != 0) {
-      Log(Severity::Error, kReadCsp,
-          {"PrivateBiosWMI error occurred - HRESULT = ", std::to_string(answer.channelStatus)});
-      error_ = SystemMessageError(answer.channelStatus, kReadCsp);
-      return false;
+      operation.Log(Severity::Error,
+                    {"PrivateBiosWMI error occurred - HRESULT = ", std::to_string(answer.channelStatus)});
+      return operation.Store(SystemFailure(answer.channelStatus));
     }
     if (answer.returnCode == firmware::kNotSupported) {
-      Report(error_, ReturnCodeError(answer.returnCode, "Battery swell protection data not supported", kReadCsp),
-             kReadCsp);
-      return false;
+      return operation.Fail(
+          WrongValue<unsigned long>(answer.returnCode, "Battery swell protection data not supported"));
     }
     // Unlike above, the code for an empty slot bay means nothing special here.
     if (answer.returnCode == firmware::kNoBattery && index != 0) {
-      Log(Severity::Verbose, kReadCsp, {"Battery not detected"});
+      operation.Log(Severity::Verbose, {"Battery not detected"});
       return false;
     }
     if (answer.returnCode != firmware::kSuccess) {
-      Report(error_, ReturnCodeError(answer.returnCode, "PrivateBiosWMI error", kReadCsp), kReadCsp);
-      return false;
+      return operation.Fail(WrongValue<unsigned long>(answer.returnCode, kRefused));
     }
     if (batteries_[index] != nullptr) {
       batteries_[index]->SetCellSwellProtectionInfo(answer.block.data());
     }
-    Log(Severity::Info, kReadCsp, {"Finished ", kReadCsp});
+    operation.LogFinished();
     return true;
   });
 }

@@ -2,12 +2,14 @@
 #include <memory>
 #include <utility>
 
+#include "Listening.h"
 #include "c-interface/ErrorParts.h"
 #include "c-interface/Guard.h"
 #include "c-interface/Handles.h"
 #include "c-interface/Interface.h"
 #include "diagnostics/MemoryWatch.h"
 
+using norv::platform::Listening;
 using norv::shared::battery::NorvBatteryInfo;
 using norv::shared::battery::NorvBatteryTestInfo;
 using norv::shared::battery::c_interface::CheckStructure;
@@ -18,8 +20,8 @@ using norv::shared::battery::c_interface::HostLog;
 using norv::shared::battery::c_interface::Release;
 using norv::shared::battery::c_interface::Using;
 using norv::shared::battery::c_interface::WriteError;
+using norv::shared::battery::diagnostics::LogListener;
 using norv::shared::battery::diagnostics::MemoryWatch;
-using norv::shared::battery::diagnostics::ScopedLogListener;
 
 namespace {
 
@@ -54,7 +56,7 @@ norv_battery_status Open(const norv_battery_options& options, norv_battery_colle
   auto channel = std::make_unique<HostChannel>(options.channel, options.channelContext);
   auto test = std::make_unique<NorvBatteryTestInfo>();
   HostLog log(options);
-  const ScopedLogListener listening(&log);
+  const Listening<LogListener> listening(&log);
   const MemoryWatch memory;
   auto opened = std::make_unique<norv_battery_collection>(options, std::move(channel), std::move(test));
   // The batteries go on where an allocation failed. A C host gets its status and no half a collection.
@@ -118,7 +120,7 @@ norv_battery_status norv_battery_get_record(norv_battery_collection* collection,
 
 norv_battery_status norv_battery_run_test(norv_battery_collection* collection) {
   return Using(collection, [collection] {
-    const ScopedLogListener listening(&collection->log);
+    const Listening<LogListener> listening(&collection->log);
     const MemoryWatch memory;
     collection->test->RunBatteryTest();
     const bool hasVerdict = collection->batteries.RunBatteryTest();

@@ -2,22 +2,19 @@
 #pragma once
 
 #include <atomic>
-#include <new>
 
 #include "c-interface/Interface.h"
+#include "diagnostics/Failures.h"
+#include "diagnostics/Guard.h"
 
 namespace norv::shared::battery::c_interface {
 
 // Runs `operation`, which answers a status. Nothing leaves a function of the C interface as an exception.
 template <typename Operation>
 norv_battery_status Guarded(Operation operation) noexcept {
-  try {
-    return operation();
-  } catch (const std::bad_alloc&) {
-    return NORV_BATTERY_OUT_OF_MEMORY;
-  } catch (...) {
-    return NORV_BATTERY_INTERNAL_ERROR;
-  }
+  return diagnostics::Guarded(operation, [](const std::exception_ptr& thrown) -> norv_battery_status {
+    return diagnostics::IsOutOfMemory(thrown) ? NORV_BATTERY_OUT_OF_MEMORY : NORV_BATTERY_INTERNAL_ERROR;
+  });
 }
 
 // Whether a function uses a handle. Its callbacks and other threads find out here, before they change what it reads, or

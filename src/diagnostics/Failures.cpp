@@ -6,6 +6,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "diagnostics/Guard.h"
 #include "diagnostics/MemoryWatch.h"
 
 namespace norv::shared::battery::diagnostics {
@@ -17,18 +18,14 @@ namespace {
 
 constexpr std::int64_t kStandardExceptionCode = 1;
 
-Error StandardExceptionError(const std::exception& exception, std::string message, const char* operation) {
-  if (dynamic_cast<const std::bad_alloc*>(&exception) != nullptr) {
-    NoteOutOfMemory();
-  }
-  return {ErrorCategory::StandardException, kStandardExceptionCode, std::move(message), TypeName(typeid(exception)),
-          operation};
+Failure StandardException(const std::exception& exception, std::string message) {
+  return {ErrorCategory::StandardException, kStandardExceptionCode, std::move(message), TypeName(typeid(exception))};
 }
 
 // A thrown text has no code of its own; its type's hash code tells what was thrown.
 template <typename Text>
-Error ThrownTextError(const Text& text, const char* operation) {
-  return {ErrorCategory::Value, static_cast<std::int64_t>(typeid(Text).hash_code()), text, TypeName<Text>(), operation};
+Failure ThrownText(const Text& text) {
+  return WrongValue<Text>(static_cast<std::int64_t>(typeid(Text).hash_code()), text);
 }
 
 std::string DescribeSystemError(const std::system_error& exception) {
@@ -36,63 +33,78 @@ std::string DescribeSystemError(const std::system_error& exception) {
          std::to_string(exception.code().value()) + "'";
 }
 
-// Without memory for the texts of a failure this one stands in; its own are short enough to need none.
-Error NoMemoryError() {
-  NoteOutOfMemory();
-  return {ErrorCategory::StandardException, kStandardExceptionCode, "std::bad_alloc", "std::bad_alloc", ""};
-}
-
-Error Convert(const std::exception_ptr& thrown, const char* operation) {
+Failure Convert(const std::exception_ptr& thrown) {
   try {
     std::rethrow_exception(thrown);
   } catch (const std::system_error& exception) {
-    return StandardExceptionError(exception, DescribeSystemError(exception), operation);
+    return StandardException(exception, DescribeSystemError(exception));
   } catch (const std::exception& exception) {
-    return StandardExceptionError(exception, exception.what(), operation);
+    return StandardException(exception, exception.what());
   } catch (int value) {
-    return ValueError<int>(value, "", operation);
+    return WrongValue<int>(value, "");
   } catch (unsigned long value) {
-    return ValueError<unsigned long>(static_cast<std::int64_t>(value), "", operation);
+    return WrongValue<unsigned long>(static_cast<std::int64_t>(value), "");
   } catch (const std::string& text) {
-    return ThrownTextError(text, operation);
+    return ThrownText(text);
   } catch (const char* text) {
-    return ThrownTextError(text != nullptr ? text : "", operation);
+    return ThrownText(text != nullptr ? text : "");
   } catch (...) {
-    return {ErrorCategory::UnknownException, 0, "Unknown exception type.", "Unknown", operation};
+    return {ErrorCategory::UnknownException, 0, "Unknown exception type.", "Unknown"};
   }
 }
 
-Error ConvertForRead(const std::exception_ptr& thrown) {
+Failure ConvertForRead(const std::exception_ptr& thrown) {
   try {
     std::rethrow_exception(thrown);
   } catch (const std::exception& exception) {
-    return StandardExceptionError(exception, exception.what(), "");
+    return StandardException(exception, exception.what());
   } catch (...) {
-    return Convert(thrown, "");
+    return Convert(thrown);
   }
+}
+
+// Without memory for the texts of a failure another one stands in; its own are short enough to need none.
+Error ErrorOf(Failure (*convert)(const std::exception_ptr&), const std::exception_ptr& thrown,
+              const char* operation) noexcept {
+  Absorb(thrown);
+  return Guarded(
+      [&] { return convert(thrown).Of(operation); },
+      [](const std::exception_ptr& noMemory) {
+        Absorb(noMemory);
+        return Failure{ErrorCategory::StandardException, kStandardExceptionCode, "std::bad_alloc", "std::bad_alloc"}.Of(
+            "");
+      });
 }
 
 }  // namespace
 
+Error Failure::Of(const char* operation) const {
+  return {category, code, message, typeText, operation};
+}
+
 Error ExceptionError(const std::exception_ptr& thrown, const char* operation) noexcept {
-  try {
-    return Convert(thrown, operation);
-  } catch (...) {
-    return NoMemoryError();
-  }
+  return ErrorOf(Convert, thrown, operation);
 }
 
 Error ReadExceptionError(const std::exception_ptr& thrown) noexcept {
+  return ErrorOf(ConvertForRead, thrown, "");
+}
+
+bool IsOutOfMemory(const std::exception_ptr& thrown) noexcept {
   try {
-    return ConvertForRead(thrown);
+    std::rethrow_exception(thrown);
+  } catch (const std::bad_alloc&) {
+    return true;
   } catch (...) {
-    return NoMemoryError();
+    return false;
   }
 }
 
-void Report(Error& stored, Error failure, LogSite site) noexcept {
-  stored = std::move(failure);
-  LogError(stored, site);
+bool Absorb(const std::exception_ptr& thrown) noexcept {
+  if (IsOutOfMemory(thrown)) {
+    NoteOutOfMemory();
+  }
+  return false;
 }
 
 }  // namespace norv::shared::battery::diagnostics

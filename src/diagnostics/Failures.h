@@ -3,21 +3,33 @@
 
 #include <cstdint>
 #include <exception>
+#include <string>
+#include <utility>
 
-#include "diagnostics/Log.h"
 #include "diagnostics/TypeName.h"
 #include "norv/shared/error/Error.h"
 
 namespace norv::shared::battery::diagnostics {
 
+// What failed, whichever operation it stopped.
+struct Failure {
+  error::ErrorCategory category;
+  std::int64_t code;
+  std::string message;
+  std::string typeText;
+
+  // The failure as the host gets it from `operation`, a qualified name or nothing.
+  error::Error Of(const char* operation) const;
+};
+
 // A value that is wrong, or a return code: category 5. `CodeType` is the type of what carried the code.
 template <typename CodeType>
-error::Error ValueError(std::int64_t code, const char* message, const char* operation) {
-  return {error::ErrorCategory::Value, code, message, TypeName<CodeType>(), operation};
+Failure WrongValue(std::int64_t code, std::string message) {
+  return {error::ErrorCategory::Value, code, std::move(message), TypeName<CodeType>()};
 }
 
 // A status of the operating system with the system's own message text: category 3.
-error::Error SystemMessageError(std::int32_t status, const char* operation);
+Failure SystemFailure(std::int32_t status);
 
 // Any exception that was thrown, by its type. Without memory for the texts it is the error of a failed allocation.
 error::Error ExceptionError(const std::exception_ptr& thrown, const char* operation) noexcept;
@@ -26,18 +38,9 @@ error::Error ExceptionError(const std::exception_ptr& thrown, const char* operat
 // function is named.
 error::Error ReadExceptionError(const std::exception_ptr& thrown) noexcept;
 
-// Stores `failure` in the object it belongs to and logs it.
-void Report(error::Error& stored, error::Error failure, LogSite site) noexcept;
+bool IsOutOfMemory(const std::exception_ptr& thrown) noexcept;
 
-// Runs an operation that nothing may leave as an exception. What it throws is reported, and the answer is false.
-template <typename Operation>
-bool Guarded(error::Error& stored, LogSite site, Operation operation) noexcept {
-  try {
-    return operation();
-  } catch (...) {
-    Report(stored, ExceptionError(std::current_exception(), site.operation), site);
-    return false;
-  }
-}
+// Notes a lack of memory that ends here without becoming anybody's error. False: nothing came of what threw.
+bool Absorb(const std::exception_ptr& thrown) noexcept;
 
 }  // namespace norv::shared::battery::diagnostics

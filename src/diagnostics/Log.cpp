@@ -3,22 +3,14 @@
 #include <plog/Logger.h>
 
 #include <string>
-#include <utility>
 
 namespace norv::shared::battery::diagnostics {
 
 namespace {
 
-// Plain data: nothing to construct or destroy when a thread or the library comes or goes.
-thread_local LogListener* currentListener = nullptr;
-
 bool LoggerWants(Severity severity) {
   const auto* logger = plog::get<PLOG_DEFAULT_INSTANCE_ID>();
   return logger != nullptr && logger->checkSeverity(static_cast<plog::Severity>(severity));
-}
-
-bool ListenerWants(Severity severity) {
-  return currentListener != nullptr && currentListener->Wants(severity);
 }
 
 void WriteToLogger(Severity severity, LogSite site, const std::string& text) {
@@ -33,11 +25,12 @@ template <typename MakeText>
 void Write(Severity severity, LogSite site, MakeText makeText) noexcept {
   try {
     const bool toLogger = LoggerWants(severity);
-    const bool toListener = ListenerWants(severity);
+    LogListener* const listener = LogListener::Current();
+    const bool toListener = listener != nullptr && listener->Wants(severity);
     if (toLogger || toListener) {
       const std::string text = makeText();
       if (toListener) {
-        currentListener->Write(severity, site, text);
+        listener->Write(severity, site, text);
       }
       if (toLogger) {
         WriteToLogger(severity, site, text);
@@ -51,11 +44,10 @@ void Write(Severity severity, LogSite site, MakeText makeText) noexcept {
 
 LogListener::~LogListener() = default;
 
-ScopedLogListener::ScopedLogListener(LogListener* listener) : previous_(std::exchange(currentListener, listener)) {
-}
-
-ScopedLogListener::~ScopedLogListener() {
-  currentListener = previous_;
+LogListener*& LogListener::Current() {
+  // Plain data: nothing to construct or destroy when a thread or the library comes or goes.
+  thread_local LogListener* current = nullptr;
+  return current;
 }
 
 void Log(Severity severity, LogSite site, std::initializer_list<std::string_view> texts) noexcept {

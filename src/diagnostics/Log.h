@@ -12,16 +12,13 @@ namespace norv::shared::battery::diagnostics {
 // plog's numbers, of those the library uses.
 enum class Severity : int { Error = 2, Info = 4, Verbose = 6 };
 
-// Where a log line comes from. Converts from the operation's qualified name and takes the line of the call by itself.
+// Where a log line comes from.
 struct LogSite {
-  // NOLINTNEXTLINE(google-explicit-constructor): a call names the operation only
-  LogSite(const char* qualifiedName, int sourceLine = __builtin_LINE()) : operation(qualifiedName), line(sourceLine) {}
-
-  const char* operation;
+  const char* operation;  // its qualified name
   int line;
 };
 
-// Takes lines beside the logger that the host gave for the whole process.
+// Takes lines beside the logger that the host gave for the whole process: Listening<LogListener> puts it in place.
 class LogListener {
  public:
   LogListener() = default;
@@ -31,19 +28,8 @@ class LogListener {
 
   virtual bool Wants(Severity severity) const = 0;
   virtual void Write(Severity severity, LogSite site, const std::string& text) = 0;
-};
 
-// Gives a listener what this thread logs for as long as the scope lives, then puts the one before it back. The listener
-// outlives the scope; a null pointer listens to nothing.
-class ScopedLogListener {
- public:
-  explicit ScopedLogListener(LogListener* listener);
-  ScopedLogListener(const ScopedLogListener&) = delete;
-  ScopedLogListener& operator=(const ScopedLogListener&) = delete;
-  ~ScopedLogListener();
-
- private:
-  LogListener* previous_;
+  static LogListener*& Current();
 };
 
 // Writes one line, the texts joined. Does nothing without a logger or listener that lets the severity through. A line

@@ -63,9 +63,9 @@ std::string MessageText(std::int32_t code) {
 
 }  // namespace
 
-error::Error SystemMessageError(std::int32_t status, const char* operation) {
+Failure SystemFailure(std::int32_t status) {
   const std::int32_t code = SystemCode(status);
-  return {error::ErrorCategory::SystemMessage, code, MessageText(code), TypeName<long>(), operation};
+  return {error::ErrorCategory::SystemMessage, code, MessageText(code), TypeName<long>()};
 }
 
 }  // namespace norv::shared::battery::diagnostics

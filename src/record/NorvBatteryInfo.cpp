@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "battery/NorvBatteryTestInfo.h"
-#include "diagnostics/Failures.h"
+#include "diagnostics/Operation.h"
 #include "firmware/BatteryInformationBlock.h"
 #include "norv/platform/Platform.h"
 #include "record/Characters.h"
@@ -30,13 +30,14 @@ namespace norv::shared::battery {
 namespace {
 
 constexpr const char* kCtNumberPattern = "^6[a-zA-Z0-9]{13}$";
-constexpr const char* kGetAge = "norv::shared::battery::NorvBatteryInfo::GetAge";
+constexpr const char* kInvalidSerialNumber = "Invalid battery serial number";
 constexpr int kNoAge = -1;
-constexpr int kIdentityErrorCode = -1;
 constexpr double kSecondsPerDay = 86400.0;
 
-error::Error IdentityError(const char* message, const char* operation) {
-  return diagnostics::ValueError<int>(kIdentityErrorCode, message, operation);
+// The identity has one code for all its defects, and none is logged.
+void StoreDefect(const diagnostics::Operation& operation, const char* message) {
+  constexpr int kCode = -1;
+  operation.Store(diagnostics::WrongValue<int>(kCode, message));
 }
 
 template <std::size_t Capacity>
@@ -146,14 +147,14 @@ bool NorvBatteryInfo::IsValid() {
   if (holdings_->manufacturer.View().empty()) {
     defect = "Invalid battery manufacturer";
   } else if (holdings_->serialNumber.View().empty()) {
-    defect = "Invalid battery serial number";
+    defect = kInvalidSerialNumber;
   } else if (holdings_->deviceName.View().empty()) {
     defect = "Invalid battery device name";
   } else if (!record::IsCtNumber(holdings_->ctNumber.View())) {
     defect = "Invalid battery CT number";
   }
   if (defect != nullptr) {
-    error_ = IdentityError(defect, "");
+    StoreDefect(diagnostics::Operation("", error_), defect);
   }
   return !error_;
 }
@@ -295,22 +296,24 @@ const char* NorvBatteryInfo::GetCtMfgWeek() const {
 
 // A serial number that ends in no date is an error, and its age is counted all the same, from no date.
 int NorvBatteryInfo::GetAge() {
-  try {
+  const diagnostics::Operation operation("norv::shared::battery::NorvBatteryInfo::GetAge", error_);
+  const auto count = [this, &operation] {
     const std::string_view serialNumber = holdings_->serialNumber.View();
     if (serialNumber.size() < firmware::kSerialNumber.width) {
-      error_ = IdentityError("Invalid battery serial number", kGetAge);
+      StoreDefect(operation, kInvalidSerialNumber);
       return kNoAge;
     }
     const auto date = record::FindTrailingDate(serialNumber);
     if (!date) {
-      error_ = IdentityError("Invalid battery serial number", kGetAge);
+      StoreDefect(operation, kInvalidSerialNumber);
     }
     const double seconds = std::difftime(platform::Platform::Current().Now(), MidnightOf(date));
     return record::TruncateToInt(seconds / kSecondsPerDay);
-  } catch (...) {
-    error_ = diagnostics::ExceptionError(std::current_exception(), kGetAge);
+  };
+  return diagnostics::Guarded(count, [this, &operation](const std::exception_ptr& thrown) {
+    error_ = diagnostics::ExceptionError(thrown, operation.Name());
     return kNoAge;
-  }
+  });
 }
 
 NorvBatteryStatus NorvBatteryInfo::GetStatus() const {

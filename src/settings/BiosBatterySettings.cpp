@@ -1,8 +1,7 @@
 #include "settings/BiosBatterySettings.h"
 
-#include <new>
-
-#include "diagnostics/MemoryWatch.h"
+#include "diagnostics/Failures.h"
+#include "diagnostics/Guard.h"
 #include "norv/shared/wmi/WMIClient.h"
 #include "settings/PlatformExclusion.h"
 
@@ -37,16 +36,16 @@ BiosBatterySettings::BiosBatterySettings() : adaptiveBatteryOptimizer_(kNotSuppo
   if (IsPlatformExcluded()) {
     return;
   }
-  try {
-    wmi::WMIClient client(L"\\\\.\\root\\Norv\\InstrumentedBios");
-    adaptiveBatteryOptimizer_ = ReadAdaptiveBatteryExtender(client);
-    if (FindSetting(client, L"Battery Care Function")) {
-      client.GetValue(L"Value", batteryCare_);
-    }
-  } catch (const std::bad_alloc&) {
-    diagnostics::NoteOutOfMemory();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): whatever fails, the texts read so far stand
-  }
+  // Whatever fails, the texts read so far stand.
+  diagnostics::Guarded(
+      [this] {
+        wmi::WMIClient client(L"\\\\.\\root\\Norv\\InstrumentedBios");
+        adaptiveBatteryOptimizer_ = ReadAdaptiveBatteryExtender(client);
+        if (FindSetting(client, L"Battery Care Function")) {
+          client.GetValue(L"Value", batteryCare_);
+        }
+      },
+      diagnostics::Absorb);
 }
 
 BiosBatterySettings::~BiosBatterySettings() = default;

@@ -1,9 +1,9 @@
 #include "settings/PlatformExclusion.h"
 
-#include <new>
 #include <string>
 
-#include "diagnostics/MemoryWatch.h"
+#include "diagnostics/Failures.h"
+#include "diagnostics/Guard.h"
 #include "norv/shared/wmi/WMIClient.h"
 
 namespace norv::shared::battery {
@@ -26,22 +26,21 @@ int BiosVersion(const std::string& name) {
 }  // namespace
 
 bool IsPlatformExcluded() noexcept {
-  bool excluded = false;
-  try {
-    wmi::WMIClient client(L"\\\\.\\root\\cimv2");
-    std::string product;
-    if (!ReadFirst(client, L"SELECT * FROM Win32_BaseBoard", L"Product", product) || product != kBoard) {
-      return false;
-    }
-    excluded = true;
-    std::string name;
-    if (ReadFirst(client, L"SELECT * FROM Win32_BIOS", L"Name", name) && name.starts_with(kBiosFamily)) {
-      excluded = BiosVersion(name) < kFirstGoodVersion;
-    }
-  } catch (const std::bad_alloc&) {
-    diagnostics::NoteOutOfMemory();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): what is known so far is the answer
-  }
+  bool excluded = false;  // what is known so far is the answer where anything throws
+  diagnostics::Guarded(
+      [&excluded] {
+        wmi::WMIClient client(L"\\\\.\\root\\cimv2");
+        std::string product;
+        if (!ReadFirst(client, L"SELECT * FROM Win32_BaseBoard", L"Product", product) || product != kBoard) {
+          return;
+        }
+        excluded = true;
+        std::string name;
+        if (ReadFirst(client, L"SELECT * FROM Win32_BIOS", L"Name", name) && name.starts_with(kBiosFamily)) {
+          excluded = BiosVersion(name) < kFirstGoodVersion;
+        }
+      },
+      diagnostics::Absorb);
   return excluded;
 }
 

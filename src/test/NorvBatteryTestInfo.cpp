@@ -6,23 +6,18 @@
 #include <string>
 
 #include "battery/NorvBatteryTestXmlParser.h"
-#include "diagnostics/Failures.h"
-#include "diagnostics/Log.h"
+#include "diagnostics/Operation.h"
 #include "norv/platform/Platform.h"
 #include "test/ResultCodes.h"
 
 namespace norv::shared::battery {
 
-using diagnostics::Log;
-using diagnostics::Report;
+using diagnostics::Operation;
 using diagnostics::Severity;
-using diagnostics::ValueError;
+using diagnostics::WrongValue;
 using test::kNoVerdict;
 
 namespace {
-
-constexpr const char* kRun = "norv::shared::battery::NorvBatteryTestInfo::RunBatteryTest";
-constexpr const char* kReadVersion = "norv::shared::battery::NorvBatteryTestInfo::RetrieveTestResultVersion";
 
 constexpr std::size_t kPathSize = 260;  // MAX_PATH
 
@@ -43,15 +38,6 @@ const char* Doubt(const std::string& library) {
   // A path that fills the buffer may be whole or cut. One more byte tells.
   const bool isCut = library.size() == kPathSize - 1 && LibraryPath<kPathSize + 1>() != library;
   return isCut ? "the path of the library is longer than 259 characters" : nullptr;
-}
-
-// A program that need not be the library's own is not to be started, and the log says why.
-bool IsBesideLibrary(const std::string& library) {
-  const char* const doubt = Doubt(library);
-  if (doubt != nullptr) {
-    Log(Severity::Error, kRun, {"BatteryTest.exe is not started: ", doubt});
-  }
-  return doubt == nullptr;
 }
 
 // The test program lies beside the library.
@@ -92,29 +78,32 @@ const error::Error& NorvBatteryTestInfo::GetError() const {
 }
 
 void NorvBatteryTestInfo::RunBatteryTest() {
-  Log(Severity::Info, kRun, {"Started ", kRun, " "});
+  const Operation operation("norv::shared::battery::NorvBatteryTestInfo::RunBatteryTest", error_);
+  operation.LogStarted(" ");
   int status = kNoVerdict;
-  diagnostics::Guarded(error_, kRun, [this, &status] {
+  operation.Run([this, &operation, &status] {
     const std::string library = LibraryPath<kPathSize>();
     const std::string program = TestProgramPath(library);
-    Log(Severity::Info, kRun, {"BatteryTest exe path = ", program});
-    const bool isBesideLibrary = IsBesideLibrary(library);
+    operation.Log(Severity::Info, {"BatteryTest exe path = ", program});
+    // A program that need not be the library's own is not to be started, and the log says why.
+    const char* const doubt = Doubt(library);
+    if (doubt != nullptr) {
+      operation.Log(Severity::Error, {"BatteryTest.exe is not started: ", doubt});
+    }
     if (!RetrieveTestResultVersion(program.c_str())) {
-      Report(error_, ValueError<int>(0, "Error getting version of BatteryTest.exe", kRun), kRun);
-      return false;
+      return operation.Fail(WrongValue<int>(0, "Error getting version of BatteryTest.exe"));
     }
     NorvBatteryTestXmlParser parser;
-    if (!isBesideLibrary || !parser.GenerateBatteryTestXMLReport(program.c_str())) {
-      Report(error_, ValueError<int>(0, "Error parsing the BatteryTest XML report", kRun), kRun);
-      return false;
+    if (doubt != nullptr || !parser.GenerateBatteryTestXMLReport(program.c_str())) {
+      return operation.Fail(WrongValue<int>(0, "Error parsing the BatteryTest XML report"));
     }
     // What goes wrong with the report stays with its parser: the status is then -1, and this object has no failure of
     // its own.
     status = parser.GetBatteryStatusFromXMLReport(nullptr);
     return true;
   });
-  Log(Severity::Info, kRun, {"battery_status = ", std::to_string(status)});
-  Log(Severity::Info, kRun, {"Finished ", kRun, " "});
+  operation.Log(Severity::Info, {"battery_status = ", std::to_string(status)});
+  operation.LogFinished(" ");
   result_ = status;
 }
 
@@ -122,9 +111,8 @@ bool NorvBatteryTestInfo::RetrieveTestResultVersion(const char* programPath) {
   auto& platform = platform::Platform::Current();
   platform::ProductVersion version;
   if (!platform.ReadProductVersion(programPath, version)) {
-    const auto code = static_cast<std::int32_t>(platform.LastSystemCode());
-    Report(error_, diagnostics::SystemMessageError(code, kReadVersion), kReadVersion);
-    return false;
+    const Operation operation("norv::shared::battery::NorvBatteryTestInfo::RetrieveTestResultVersion", error_);
+    return operation.Fail(diagnostics::SystemFailure(static_cast<std::int32_t>(platform.LastSystemCode())));
   }
   *version_ = ToText(version);
   return true;

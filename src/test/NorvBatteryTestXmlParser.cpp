@@ -6,24 +6,18 @@
 #include <string>
 
 #include "OrdinaryFile.h"
-#include "diagnostics/Failures.h"
-#include "diagnostics/Log.h"
+#include "diagnostics/Operation.h"
 #include "norv/platform/Platform.h"
 #include "test/ReportSearch.h"
 #include "test/ResultCodes.h"
 
 namespace norv::shared::battery {
 
-using diagnostics::Guarded;
-using diagnostics::Report;
-using diagnostics::ValueError;
+using diagnostics::Operation;
+using diagnostics::WrongValue;
 using test::kNoVerdict;
 
 namespace {
-
-constexpr const char* kGenerate = "norv::shared::battery::NorvBatteryTestXmlParser::GenerateBatteryTestXMLReport";
-constexpr const char* kReadFile = "norv::shared::battery::NorvBatteryTestXmlParser::GetFileXMLData";
-constexpr const char* kReadStatus = "norv::shared::battery::NorvBatteryTestXmlParser::GetBatteryStatusFromXMLReport";
 
 // Below the machine-wide folder for program data. The value of that folder gets no separator added or removed.
 constexpr const char* kReportFile = "/Quellbrook/Tavenhall/Resources/Temp/Battery.xml";
@@ -62,26 +56,23 @@ const error::Error& NorvBatteryTestXmlParser::GetError() const {
 }
 
 bool NorvBatteryTestXmlParser::GenerateBatteryTestXMLReport(const char* programPath) {
-  return Guarded(error_, kGenerate, [this, programPath] {
+  const Operation operation("norv::shared::battery::NorvBatteryTestXmlParser::GenerateBatteryTestXMLReport", error_);
+  return operation.Run([&operation, programPath] {
     auto& platform = platform::Platform::Current();
-    if (platform.RunProgram(programPath)) {
-      return true;
-    }
-    const std::uint32_t code = platform.LastSystemCode();
-    Report(error_, ValueError<unsigned long>(code, "CreateProcess failed", kGenerate), kGenerate);
-    return false;
+    return platform.RunProgram(programPath) ||
+           operation.Fail(WrongValue<unsigned long>(platform.LastSystemCode(), "CreateProcess failed"));
   });
 }
 
 int NorvBatteryTestXmlParser::GetBatteryStatusFromXMLReport(const char* xmlText) {
+  const Operation operation("norv::shared::battery::NorvBatteryTestXmlParser::GetBatteryStatusFromXMLReport", error_);
   int status = kNoVerdict;
-  Guarded(error_, kReadStatus, [this, xmlText, &status] {
+  operation.Run([this, &operation, xmlText, &status] {
     const char* report = xmlText;
     if (report == nullptr) {
       const auto folder = platform::Platform::Current().ProgramDataFolder();
       if (!folder) {
-        error_ = ValueError<int>(0, "Unable to get path to ProgramData", kReadStatus);
-        return false;
+        return operation.Store(WrongValue<int>(0, "Unable to get path to ProgramData"));
       }
       unsigned long systemError = 0;
       report = GetFileXMLData((*folder + kReportFile).c_str(), &systemError);
@@ -95,10 +86,10 @@ int NorvBatteryTestXmlParser::GetBatteryStatusFromXMLReport(const char* xmlText)
     }
     const std::optional<int> number = ToNumber(value);
     if (!number) {
-      Report(error_, ValueError<int>(0, "Battery Status contains non-integer value", kReadStatus), kReadStatus);
+      return operation.Fail(WrongValue<int>(0, "Battery Status contains non-integer value"));
     }
-    status = number.value_or(kNoVerdict);
-    return number.has_value();
+    status = *number;
+    return true;
   });
   return status;
 }
@@ -111,7 +102,8 @@ const char* NorvBatteryTestXmlParser::GetFileXMLData(const char* path, unsigned 
     state_->report += *content;
   } else {
     *systemError = platform::Platform::Current().LastSystemCode();
-    Report(error_, ValueError<int>(0, "Battery XML report not found", kReadFile), kReadFile);
+    const Operation operation("norv::shared::battery::NorvBatteryTestXmlParser::GetFileXMLData", error_);
+    operation.Fail(WrongValue<int>(0, "Battery XML report not found"));
   }
   return state_->report.c_str();
 }

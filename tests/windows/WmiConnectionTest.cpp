@@ -7,9 +7,11 @@
 #include <chrono>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
+#include "Listening.h"
 #include "Remarks.h"
 #include "ScriptedWmi.h"
 #include "norv/shared/wmi/WMIClient.h"
@@ -28,17 +30,18 @@ constexpr const wchar_t* kQuery = L"SELECT * FROM Things";
 constexpr platform::windows::Patience kLittlePatience{.firstObject = std::chrono::milliseconds(50),
                                                       .nextObject = std::chrono::milliseconds(30)};
 
-// What a wait that ended without an object leaves in the log.
-class Remarks : public platform::RemarkListener {
+// What a wait that ended without an object leaves behind.
+class Waits : public platform::RemarkListener {
  public:
-  void Hear(platform::RemarkKind kind, std::string_view remark) override {
-    heard_.emplace_back(kind == platform::RemarkKind::Failure ? "failure: " : "note: ").append(remark);
+  void Hear(const platform::Remark& remark) override {
+    const auto& wait = std::get<platform::WmiTimedOut>(remark);
+    heard_.emplace_back(wait.patience.count(), wait.query);
   }
-  const std::vector<std::string>& Heard() const { return heard_; }
+  const std::vector<std::pair<long long, std::wstring>>& Heard() const { return heard_; }
 
  private:
-  std::vector<std::string> heard_;
-  platform::ScopedRemarkListener listening_{*this};
+  std::vector<std::pair<long long, std::wstring>> heard_;
+  platform::Listening<RemarkListener> listening_{this};
 };
 
 long Code(HRESULT code) {
@@ -177,36 +180,36 @@ TEST_F(WmiClient, AFailureOfALaterObjectEndsTheWalk) {
 
 TEST_F(WmiClient, AProviderThatNeverAnswersIsAFailedQuery) {
   Things().hangs = true;
-  const Remarks remarks;
+  const Waits waits;
   ASSERT_EQ(Connect(kLittlePatience), 0);
   EXPECT_EQ(connection_->Query(kQuery), Code(static_cast<HRESULT>(WBEM_E_TIMED_OUT)));
   EXPECT_FALSE(connection_->Next());
   EXPECT_THAT(wmi_->waits, ElementsAre(50));
-  EXPECT_THAT(remarks.Heard(), ElementsAre("failure: WMI has not answered within 50 ms: SELECT * FROM Things"));
+  EXPECT_THAT(waits.Heard(), ElementsAre(std::pair(50LL, std::wstring(kQuery))));
 }
 
 TEST_F(WmiClient, AProviderThatFallsSilentEndsTheWalk) {
   Things().rows = {{{L"Name", Text(L"first")}}};
   Things().hangs = true;
-  const Remarks remarks;
+  const Waits waits;
   ASSERT_EQ(Connect(kLittlePatience), 0);
   EXPECT_EQ(connection_->Query(kQuery), 0);
   EXPECT_TRUE(connection_->Next());
   EXPECT_FALSE(connection_->Next());
   EXPECT_FALSE(connection_->Next());
   EXPECT_THAT(wmi_->waits, ElementsAre(50, 30));
-  EXPECT_THAT(remarks.Heard(), ElementsAre("failure: WMI has not answered within 30 ms: SELECT * FROM Things"));
+  EXPECT_THAT(waits.Heard(), ElementsAre(std::pair(30LL, std::wstring(kQuery))));
 }
 
 TEST_F(WmiClient, TheLibraryWaitsForTheFirstObjectAsLongAsForTheNamespace) {
   Things().rows = {{{L"Name", Text(L"first")}}};
-  const Remarks remarks;
+  const Waits waits;
   shared::wmi::WMIClient client(kPath);
   EXPECT_EQ(client.Query(kQuery), 0);
   EXPECT_TRUE(client.GetNext());
   EXPECT_FALSE(client.GetNext());
   EXPECT_THAT(wmi_->waits, ElementsAre(120000, 10000));
-  EXPECT_THAT(remarks.Heard(), testing::IsEmpty()) << "an end is no failure";
+  EXPECT_THAT(waits.Heard(), testing::IsEmpty()) << "an end is no failure";
 }
 
 TEST_F(WmiClient, AllowsImpersonationWhereItIsAskedFor) {

@@ -1,5 +1,5 @@
 // How failures become errors: system messages, exceptions, type names, text forms.
-#include "diagnostics/Failures.h"
+#include "diagnostics/Operation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +14,7 @@
 #include <string>
 #include <system_error>
 #include <typeinfo>
+#include <vector>
 
 #include "norv/platform/Platform.h"
 #include "norv/simulator/SimulatedMachine.h"
@@ -24,10 +25,11 @@ namespace norv::test {
 namespace {
 
 using shared::battery::diagnostics::ExceptionError;
-using shared::battery::diagnostics::Guarded;
+using shared::battery::diagnostics::Operation;
 using shared::battery::diagnostics::ReadExceptionError;
-using shared::battery::diagnostics::SystemMessageError;
+using shared::battery::diagnostics::SystemFailure;
 using shared::battery::diagnostics::TypeName;
+using shared::battery::diagnostics::WrongValue;
 using shared::error::Error;
 using shared::error::ErrorCategory;
 
@@ -55,7 +57,7 @@ class Messages : public platform::PlatformWrapper {
 };
 
 Error ErrorFor(const Messages& /*system*/, std::int32_t status) {
-  return SystemMessageError(status, "who");
+  return SystemFailure(status).Of("who");
 }
 
 TEST(SystemMessage, KeepsTheTextWithItsLineBreak) {
@@ -126,10 +128,9 @@ TEST(SystemMessage, AnEmptyTextStaysEmpty) {
 
 TEST(SystemMessage, IsTheSystemsOwnOnTheRunningPlatform) {
   ASSERT_NE(SystemText(5), "");
-  EXPECT_EQ(SystemMessageError(5, "").GetMessageText(), SystemText(5));
-  EXPECT_EQ(SystemMessageError(static_cast<std::int32_t>(0x80080005U), "").GetMessageText(), SystemText(5));
-  EXPECT_STREQ(SystemMessageError(0x2FFFFFFF, "").GetMessageText(),
-               "The system cannot find message text for error code 805306367\r\n");
+  EXPECT_EQ(SystemFailure(5).message, SystemText(5));
+  EXPECT_EQ(SystemFailure(static_cast<std::int32_t>(0x80080005U)).message, SystemText(5));
+  EXPECT_EQ(SystemFailure(0x2FFFFFFF).message, "The system cannot find message text for error code 805306367\r\n");
 }
 
 template <typename Thrown>
@@ -194,19 +195,37 @@ TEST(ExceptionConversion, AReadTakesStandardExceptionsByTheirOwnMessage) {
   EXPECT_TRUE(IsError(ReadExceptionError(std::make_exception_ptr(3)), ErrorCategory::Value, 3, "", "int", ""));
 }
 
-TEST(Guard, GivesTheOperationsAnswer) {
+TEST(Operation, GivesTheBodysAnswer) {
   Error stored;
-  EXPECT_TRUE(Guarded(stored, "who", [] { return true; }));
-  EXPECT_FALSE(Guarded(stored, "who", [] { return false; }));
+  const Operation operation("who", stored);
+  EXPECT_TRUE(operation.Run([] { return true; }));
+  EXPECT_FALSE(operation.Run([] { return false; }));
+  EXPECT_TRUE(operation.Run([] {})) << "a body without an answer";
   EXPECT_FALSE(stored);
 }
 
-TEST(Guard, ReportsWhatIsThrown) {
+TEST(Operation, FailsWithWhatIsThrown) {
   Error stored;
+  const Operation operation("who", stored);
   LogCapture log;
-  EXPECT_FALSE(Guarded(stored, "who", []() -> bool { throw std::bad_alloc(); }));
+  EXPECT_FALSE(operation.Run([] { throw std::bad_alloc(); }));
   EXPECT_TRUE(IsError(stored, ErrorCategory::StandardException, 1, std::bad_alloc().what(), "std::bad_alloc", "who"));
   EXPECT_EQ(log.Lines().back(), (LogLine{plog::error, "who", TextForm(stored)}));
+}
+
+TEST(Operation, NamesItselfInWhatItStoresAndLogs) {
+  Error stored;
+  const Operation operation("who", stored);
+  LogCapture log;
+  operation.LogStarted(" ");
+  EXPECT_FALSE(operation.Store(WrongValue<int>(1, "kept to itself")));
+  EXPECT_TRUE(IsError(stored, ErrorCategory::Value, 1, "kept to itself", "int", "who"));
+  EXPECT_FALSE(operation.Fail(WrongValue<unsigned long>(2, "told")));
+  EXPECT_TRUE(IsError(stored, ErrorCategory::Value, 2, "told", "unsigned long", "who"));
+  operation.LogFinished();
+  EXPECT_EQ(log.Lines(), (std::vector<LogLine>{{plog::info, "who", "Started who "},
+                                               {plog::error, "who", TextForm(stored)},
+                                               {plog::info, "who", "Finished who"}}));
 }
 
 TEST(TypeNames, AreReadable) {

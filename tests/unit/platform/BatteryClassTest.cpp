@@ -59,10 +59,8 @@ TEST(BatteryClass, FillsTheBlock) {
                             .Word(0x5C, 41 << 9 | 3 << 5 | 17);
   const auto filled = FillBatteryBlock(*battery);
   EXPECT_EQ(filled.block, expected.Bytes());
-  ASSERT_EQ(filled.complaints.size(), 1U);
-  EXPECT_EQ(
-      filled.complaints[0],
-      "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, 11234 mV");
+  ASSERT_EQ(filled.deviations.size(), 1U);
+  EXPECT_EQ(std::get<platform::CapacitiesOfTheMoment>(filled.deviations[0]).voltage, 11234);
 }
 
 TEST(BatteryClass, CountsInEnergy) {
@@ -117,7 +115,7 @@ TEST(BatteryClass, WhatIsMarkedAsUnknownIsNotTold) {
   EXPECT_FALSE(battery->manufactureDate);
   const auto filled = FillBatteryBlock(*battery);
   EXPECT_EQ(filled.block, firmware::Block{});
-  EXPECT_TRUE(filled.complaints.empty());
+  EXPECT_TRUE(filled.deviations.empty());
 }
 
 TEST(BatteryClass, AnEmptyBatteryIsNoUnknownOne) {

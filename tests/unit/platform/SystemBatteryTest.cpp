@@ -5,15 +5,19 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <variant>
 #include <vector>
 
+#include "Listening.h"
 #include "Remarks.h"
 #include "battery/NorvBatteries.h"
+#include "diagnostics/LoggedRemarks.h"
 #include "norv/platform/Platform.h"
 #include "unit/support/LogCapture.h"
 #include "unit/support/TestBlock.h"
@@ -23,10 +27,12 @@ namespace {
 
 using platform::AnswerBiosCommand;
 using platform::BatteryCapacity;
+using platform::BlockDeviates;
 using platform::CapacityUnit;
 using platform::ChargeState;
 using platform::FillBatteryBlock;
 using platform::FilledBlock;
+using platform::Listening;
 using platform::SystemBattery;
 using testing::Each;
 using testing::ElementsAre;
@@ -48,6 +54,15 @@ unsigned WordAt(const SystemBattery& battery, std::size_t offset) {
   return block[offset] + 256U * block[offset + 1];
 }
 
+// In the words that the log has for them.
+std::vector<std::string> DeviationsOf(const SystemBattery& battery) {
+  std::vector<std::string> words;
+  for (const platform::Deviation& deviation : FillBatteryBlock(battery).deviations) {
+    words.push_back(shared::battery::diagnostics::InWords(deviation));
+  }
+  return words;
+}
+
 unsigned CurrentOf(const SystemBattery& battery) {
   return WordAt(battery, 0x0E);
 }
@@ -63,7 +78,7 @@ std::string DeviceNameOf(const std::string& told) {
 TEST(BatteryBlock, IsEmptyWhereNothingIsKnown) {
   const FilledBlock filled = FillBatteryBlock({});
   EXPECT_EQ(filled.block, TestBlock().Bytes());
-  EXPECT_THAT(filled.complaints, IsEmpty());
+  EXPECT_THAT(filled.deviations, IsEmpty());
 }
 
 TEST(BatteryBlock, HasEveryFieldInItsPlace) {
@@ -98,29 +113,29 @@ TEST(BatteryBlock, HasEveryFieldInItsPlace) {
                                  .Word(0x5C, (42U << 9U) | (9U << 5U) | 12U);
   const FilledBlock filled = FillBatteryBlock(battery);
   EXPECT_EQ(filled.block, expected.Bytes());
-  EXPECT_THAT(filled.complaints, IsEmpty());
+  EXPECT_THAT(filled.deviations, IsEmpty());
 }
 
 TEST(BatteryBlock, DividesEnergyByTheDesignVoltage) {
   SystemBattery battery;
   battery.designCapacity = Energy(50000);
   EXPECT_EQ(WordAt(battery, 0), 0U) << "without a voltage the charge is not known";
-  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+  EXPECT_THAT(DeviationsOf(battery), IsEmpty());
   battery.voltage = 12600;
   EXPECT_EQ(WordAt(battery, 0), 0U) << "the voltage of the moment is no design voltage";
   battery.standInVoltage = 0;
   EXPECT_EQ(WordAt(battery, 0), 0U);
-  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+  EXPECT_THAT(DeviationsOf(battery), IsEmpty());
   battery.standInVoltage = 12600;
   battery.designVoltage = 11400;
   EXPECT_EQ(WordAt(battery, 0), 4386U) << "50000 / 11.4 is 4385.96";
   battery.fullChargeCapacity = Charge(4000);
   EXPECT_EQ(WordAt(battery, 2), 4000U) << "each capacity has a unit of its own";
-  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+  EXPECT_THAT(DeviationsOf(battery), IsEmpty());
 }
 
 TEST(BatteryBlock, DividesEnergyByTheVoltageThatStandsIn) {
-  const std::string complaint =
+  const std::string deviation =
       "no design voltage is known; the capacities are the driver's energies at the voltage of the moment, 12600 mV";
   for (const std::optional<std::int64_t> noDesignVoltage : {std::optional<std::int64_t>(), {0}, {-11400}}) {
     for (const auto capacity :
@@ -128,11 +143,11 @@ TEST(BatteryBlock, DividesEnergyByTheVoltageThatStandsIn) {
       SystemBattery battery;
       battery.designVoltage = noDesignVoltage;
       battery.standInVoltage = 12600;
-      EXPECT_THAT(FillBatteryBlock(battery).complaints, Each(testing::Not(complaint))) << "nothing to be divided";
+      EXPECT_THAT(DeviationsOf(battery), Each(testing::Not(deviation))) << "nothing to be divided";
       battery.*capacity = Charge(4000);
-      EXPECT_THAT(FillBatteryBlock(battery).complaints, Each(testing::Not(complaint)));
+      EXPECT_THAT(DeviationsOf(battery), Each(testing::Not(deviation)));
       battery.*capacity = Energy(50000);
-      EXPECT_THAT(FillBatteryBlock(battery).complaints, testing::Contains(complaint));
+      EXPECT_THAT(DeviationsOf(battery), testing::Contains(deviation));
     }
   }
   SystemBattery battery;
@@ -195,21 +210,20 @@ TEST(BatteryBlock, SetsTheFlagsThatTheDriverTells) {
 TEST(BatteryBlock, StoresTheLargestValueForANumberThatIsTooLarge) {
   SystemBattery battery;
   battery.designCapacity = Charge(65535);
-  EXPECT_THAT(FillBatteryBlock(battery).complaints, IsEmpty());
+  EXPECT_THAT(DeviationsOf(battery), IsEmpty());
   battery.designCapacity = Charge(65536);
   battery.cycleCount = -1;
   battery.current = 32768;
   const FilledBlock filled = FillBatteryBlock(battery);
   EXPECT_EQ(filled.block, TestBlock().Word(0x00, 0xFFFF).Word(0x0E, 0x7FFF).Bytes());
-  EXPECT_THAT(filled.complaints, ElementsAre("the design capacity 65536 does not fit: 65535 stands for it",
-                                             "the cycle count -1 does not fit: 0 stands for it",
-                                             "the current 32768 does not fit: 32767 stands for it"));
+  EXPECT_THAT(DeviationsOf(battery), ElementsAre("the design capacity 65536 does not fit: 65535 stands for it",
+                                                 "the cycle count -1 does not fit: 0 stands for it",
+                                                 "the current 32768 does not fit: 32767 stands for it"));
   battery.current = -32768;
   EXPECT_EQ(CurrentOf(battery), 0x8000U);
   battery.current = -32769;
   EXPECT_EQ(CurrentOf(battery), 0x8000U);
-  EXPECT_THAT(FillBatteryBlock(battery).complaints,
-              testing::Contains("the current -32769 does not fit: -32768 stands for it"));
+  EXPECT_THAT(DeviationsOf(battery), testing::Contains("the current -32769 does not fit: -32768 stands for it"));
 }
 
 TEST(BatteryBlock, SurvivesEveryNumber) {
@@ -247,7 +261,7 @@ TEST(BatteryBlock, CutsATextBetweenItsCharacters) {
   EXPECT_EQ(DeviceNameOf("\x80\x80\x80\x80\x80\x80\x80\x80\x80"), "\x80\x80\x80\x80\x80\x80\x80") << "no UTF-8";
   SystemBattery battery;
   battery.deviceName = "123456\xC3\xA9";
-  EXPECT_THAT(FillBatteryBlock(battery).complaints,
+  EXPECT_THAT(DeviationsOf(battery),
               ElementsAre("the device name \"123456\xC3\xA9\" is cut to its first 6 bytes; its field has 7"));
 }
 
@@ -267,7 +281,7 @@ TEST(BatteryBlock, LeavesOutADateThatNoBatteryCanTell) {
   EXPECT_EQ(dateWord(2020, 1, 32), 0U);
   SystemBattery battery;
   battery.manufactureDate = {1970, 1, 1};
-  EXPECT_THAT(FillBatteryBlock(battery).complaints,
+  EXPECT_THAT(DeviationsOf(battery),
               ElementsAre("the manufacture date 1970-1-1 is none that a battery can tell, and is left out"));
 }
 
@@ -341,6 +355,8 @@ class OneBattery : public platform::PlatformWrapper {
   }
 };
 
+const platform::WmiTimedOut kTimedOut{std::chrono::milliseconds(50), L"SELECT * FROM Things"};
+
 TEST(Remarks, GoToTheLog) {
   OneBattery machine(platform::Platform::Current());
   const platform::ScopedPlatform scope(machine);
@@ -349,8 +365,9 @@ TEST(Remarks, GoToTheLog) {
   const LogLine expected{plog::info, "norv::shared::battery::NorvBatteries::ReadNorvBatteryInfo",
                          "Battery index 0: the design capacity 70000 does not fit: 65535 stands for it"};
   EXPECT_THAT(log.Lines(), testing::Contains(expected));
-  platform::Remark(platform::RemarkKind::Note, "nobody listens any more");
-  EXPECT_EQ(log.Count("nobody listens any more"), 0U);
+  const std::size_t lines = log.Lines().size();
+  platform::Tell(kTimedOut);
+  EXPECT_EQ(log.Lines().size(), lines) << "nobody listens any more";
 }
 
 // The running system without WMI, which it remarks about.
@@ -366,7 +383,7 @@ class NoWmi : public platform::PlatformWrapper {
   }
   long ConnectWmi(const std::wstring& /*namespacePath*/,
                   std::unique_ptr<platform::WmiConnection>& /*connection*/) override {
-    platform::Remark(platform::RemarkKind::Failure, "WMI has not answered");
+    platform::Tell(kTimedOut);
     return -1;
   }
 };
@@ -377,29 +394,32 @@ TEST(Remarks, OnFailuresAreErrorsInTheLogAlsoOfTheSettings) {
   const LogCapture log;
   const shared::battery::NorvBatteries batteries;
   const std::string type = "norv::shared::battery::NorvBatteries::";
-  EXPECT_THAT(log.Lines(),
-              testing::Contains(LogLine{plog::error, type + "ReadNorvBatteryInfo", "WMI has not answered"}).Times(2))
+  const std::string line = "WMI has not answered within 50 ms: SELECT * FROM Things";
+  EXPECT_THAT(log.Lines(), testing::Contains(LogLine{plog::error, type + "ReadNorvBatteryInfo", line}).Times(2))
       << "the rates of two batteries";
-  EXPECT_THAT(log.Lines(),
-              testing::Contains(LogLine{plog::error, type + "NorvBatteries", "WMI has not answered"}).Times(2))
+  EXPECT_THAT(log.Lines(), testing::Contains(LogLine{plog::error, type + "NorvBatteries", line}).Times(2))
       << "the board, the settings";
 }
 
 TEST(Remarks, GoToTheInnermostListener) {
   struct Keeper : platform::RemarkListener {
-    void Hear(platform::RemarkKind /*kind*/, std::string_view remark) override { heard.emplace_back(remark); }
-    std::vector<std::string> heard;
+    void Hear(const platform::Remark& remark) override { slots.push_back(std::get<BlockDeviates>(remark).slot); }
+    std::vector<std::uint32_t> slots;
   };
   Keeper outer;
   Keeper inner;
-  const platform::ScopedRemarkListener outerScope(outer);
+  const Listening<platform::RemarkListener> outerScope(&outer);
   {
-    const platform::ScopedRemarkListener innerScope(inner);
-    platform::Remark(platform::RemarkKind::Note, "one");
+    const Listening<platform::RemarkListener> innerScope(&inner);
+    platform::Tell(BlockDeviates{1, platform::DateLeftOut{}});
   }
-  platform::Remark(platform::RemarkKind::Note, "two");
-  EXPECT_THAT(inner.heard, ElementsAre("one"));
-  EXPECT_THAT(outer.heard, ElementsAre("two"));
+  platform::Tell(BlockDeviates{2, platform::DateLeftOut{}});
+  {
+    const Listening<platform::RemarkListener> nobody(nullptr);
+    platform::Tell(BlockDeviates{3, platform::DateLeftOut{}});
+  }
+  EXPECT_THAT(inner.slots, ElementsAre(1U));
+  EXPECT_THAT(outer.slots, ElementsAre(2U));
 }
 
 }  // namespace
