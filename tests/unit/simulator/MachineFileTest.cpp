@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <map>
 #include <string>
+#include <vector>
 
 #include "MachineText.h"
 
@@ -24,13 +24,15 @@ namespace fs = std::filesystem;
 
 const fs::path kFolder = fs::path(NORV_BATTERY_TEST_DIR) / "unit" / "simulator";
 
+constexpr const char* kTaken = "taken";
+
 std::string Refusal(const std::string& json) {
   try {
     SimulatedMachine::FromText(json, "machine.json");
   } catch (const MachineFileError& refusal) {
     return refusal.what();
   }
-  return "taken";
+  return kTaken;
 }
 
 std::string FileRefusal(const fs::path& path) {
@@ -39,47 +41,56 @@ std::string FileRefusal(const fs::path& path) {
   } catch (const MachineFileError& refusal) {
     return refusal.what();
   }
-  return "taken";
+  return kTaken;
 }
 
-std::map<std::string, fs::path> MachineFiles(const fs::path& folder) {
-  std::map<std::string, fs::path> files;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    if (entry.path().extension() == ".json") {
-      files.emplace(entry.path().filename().string(), entry.path());
+// One of machine-files.txt.
+struct Case {
+  std::string name;
+  std::string text;
+  std::string message;
+};
+
+// Those that are taken, or those that are refused.
+std::vector<Case> Cases(bool taken) {
+  std::vector<Case> cases;
+  std::string name;
+  std::string text;
+  std::ifstream file(kFolder / "machine-files.txt");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("== ")) {
+      name = line.substr(3);
+      text.clear();
+    } else if (!line.starts_with("=> ")) {
+      text += line + "\n";
+    } else if (const std::string message = line.substr(3); (message == kTaken) == taken) {
+      cases.push_back({name, text, message});
     }
   }
-  return files;
-}
-
-// "word-too-large.json: slots[0]..." by file name.
-std::map<std::string, std::string> ExpectedMessages() {
-  std::map<std::string, std::string> messages;
-  std::ifstream list(kFolder / "bad" / "messages.txt");
-  for (std::string line; std::getline(list, line);) {
-    const std::size_t colon = line.find(": ");
-    messages.emplace(line.substr(0, colon), line.substr(colon + 2));
-  }
-  return messages;
+  return cases;
 }
 
 TEST(MachineFile, RefusesEachBadFileWithPlaceAndExpectation) {
-  const auto messages = ExpectedMessages();
-  const auto files = MachineFiles(kFolder / "bad");
-  ASSERT_GE(files.size(), 90U);
-  ASSERT_EQ(files.size(), messages.size());
-  for (const auto& [name, path] : files) {
-    ASSERT_TRUE(messages.contains(name)) << name << " has no message in bad/messages.txt";
-    EXPECT_EQ(FileRefusal(path), path.string() + ": " + messages.at(name));
+  const std::vector<Case> cases = Cases(false);
+  ASSERT_FALSE(cases.empty());
+  for (const auto& [name, text, message] : cases) {
+    EXPECT_EQ(Refusal(text), "machine.json: " + message) << name;
   }
 }
 
 TEST(MachineFile, TakesEachGoodFile) {
-  const auto files = MachineFiles(kFolder / "good");
-  ASSERT_FALSE(files.empty());
-  for (const auto& [name, path] : files) {
-    EXPECT_EQ(FileRefusal(path), "taken") << name;
+  const std::vector<Case> cases = Cases(true);
+  ASSERT_FALSE(cases.empty());
+  for (const auto& [name, text, message] : cases) {
+    EXPECT_EQ(Refusal(text), kTaken) << name;
   }
+}
+
+TEST(MachineFile, NamesTheFileThatItRefuses) {
+  const fs::path file = fs::path(testing::TempDir()) / "refused-machine.json";
+  std::ofstream(file) << R"({"description": 5})";
+  EXPECT_EQ(FileRefusal(file), file.string() + ": description: expected a text, got 5");
+  fs::remove(file);
 }
 
 TEST(MachineFile, SaysWhereATextIsNoJson) {
@@ -88,7 +99,7 @@ TEST(MachineFile, SaysWhereATextIsNoJson) {
       "machine.json: line 3, column 13: expected JSON, got value - unexpected ','; expected '[', '{', or a literal");
   EXPECT_THAT(Refusal(""), StartsWith("machine.json: line 1, column 1: expected JSON, got va"));
   EXPECT_THAT(Refusal("{} x"), StartsWith("machine.json: line 1, column 4: expected JSON"));
-  EXPECT_EQ(Refusal("\xEF\xBB\xBF{\"description\": \"A\"}"), "taken");
+  EXPECT_EQ(Refusal("\xEF\xBB\xBF{\"description\": \"A\"}"), kTaken);
   EXPECT_EQ(Refusal("{\"description\": 1e999}"),
             "machine.json: description: expected a number that a double holds, got number overflow parsing '1e999'");
   EXPECT_THAT(Refusal("{\"description\": \"\xC3\"}"), StartsWith("machine.json: line 1, column 19: expected JSON"));
@@ -143,7 +154,7 @@ double ReadingTime(const std::string& text) {
   std::clock_t shortest = std::numeric_limits<std::clock_t>::max();
   for (int run = 0; run < 3; ++run) {
     const std::clock_t begin = std::clock();
-    EXPECT_EQ(Refusal(text), "taken");
+    EXPECT_EQ(Refusal(text), kTaken);
     shortest = std::min(shortest, std::clock() - begin);
   }
   return static_cast<double>(shortest) / CLOCKS_PER_SEC;
@@ -206,7 +217,7 @@ TEST(MachineFile, SurvivesEveryDamagedCharacter) {
     changed[i] = static_cast<char>(changed[i] ^ 0x15);
     for (const std::string& damaged : {shorter, changed}) {
       const std::string refusal = Refusal(damaged);
-      if (refusal != "taken") {
+      if (refusal != kTaken) {
         ++refused;
         EXPECT_THAT(refusal, StartsWith("machine.json: "));
         EXPECT_THAT(refusal, HasSubstr("expected "));
