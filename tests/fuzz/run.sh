@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs them, each from its committed corpus: tests/fuzz/run.sh FOLDER [SECONDS [TARGET ...]]
+# Builds the fuzz targets and runs them, each from a committed corpus: tests/fuzz/run.sh FOLDER [SECONDS [TARGET ...]]
 # What they learn stays in FOLDER/corpus, what breaks them in FOLDER/crashes. NORV_FUZZ_SEED makes a run in a new folder go
 # the same way each time; without it each goes a way of its own. Ends with `N passed, N failed`.
 set -euo pipefail
@@ -9,12 +9,13 @@ mkdir -p "${1:?usage: tests/fuzz/run.sh WORK-FOLDER [SECONDS [TARGET ...]]}"
 folder=$(cd "$1" && pwd)
 readonly folder
 readonly seconds=${2:-20}
+readonly known=(block report machine-file machine-reports decode-binary decode-hex decode-dump encode)
 targets=("${@:3}")
-[[ ${#targets[@]} -gt 0 ]] || targets=(block report machine-file machine-reports decode-binary decode-hex decode-dump encode)
+[[ ${#targets[@]} -gt 0 ]] || targets=("${known[@]}")
 readonly targets
 for target in "${targets[@]}"; do
-  if [[ ! -d $here/corpus/$target ]]; then
-    printf 'fuzz: there is no target %s: expected one of %s\n' "$target" "$(cd "$here/corpus" && echo *)" >&2
+  if [[ " ${known[*]} " != *" $target "* ]]; then
+    printf 'fuzz: there is no target %s: expected one of %s\n' "$target" "${known[*]}" >&2
     exit 2
   fi
 done
@@ -32,15 +33,32 @@ Build() {
     cmake --build "$folder/build" --target "${targets[@]/#/norv-battery-fuzz-}"
 }
 
+# The folders that a target starts from: what it has learnt, its own inputs, and those that lie elsewhere already, the
+# sample machines and their blocks.
+Corpora() {
+  local target=$1 own=$here/corpus/$1 blocks=$folder/blocks
+  mkdir -p "$folder/corpus/$target"
+  printf '%s\n' "$folder/corpus/$target"
+  [[ ! -d $own ]] || printf '%s\n' "$own"
+  case $target in
+    machine-file) printf '%s\n' "$here/../../simulator/machines" ;;
+    block)
+      mkdir -p "$blocks"
+      split --bytes=128 "$here/corpus/decode-binary/all-and-a-short-one" "$blocks/"
+      printf '%s\n' "$blocks"
+      ;;
+  esac
+}
+
 # One target, with what it says in a log.
 Fuzz() {
-  local target=$1 muted=1
+  local target=$1 muted=1 corpora
   [[ $target == encode || $target == machine-reports ]] && muted=3  # commands complain about nearly every input
-  mkdir -p "$folder/corpus/$target" "$folder/crashes"
+  mkdir -p "$folder/crashes"
+  mapfile -t corpora < <(Corpora "$target")
   "$folder/build/tests/fuzz/norv-battery-fuzz-$target" -seed="${NORV_FUZZ_SEED:-0}" -max_total_time="$seconds" -timeout=10 \
     -rss_limit_mb=2048 -max_len=8192 -close_fd_mask="$muted" -dict="$here/dictionaries/$target.dict" -print_final_stats=1 \
-    -artifact_prefix="$folder/crashes/$target-" "$folder/corpus/$target" "$here/corpus/$target" \
-    >"$folder/$target.log" 2>&1
+    -artifact_prefix="$folder/crashes/$target-" "${corpora[@]}" >"$folder/$target.log" 2>&1
 }
 
 # All targets, as many at a time as there are processors. Each leaves its status beside its log.
