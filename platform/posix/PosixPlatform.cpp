@@ -16,6 +16,7 @@
 #include "OwnModule.h"
 #include "PowerSupply.h"
 #include "RunProgram.h"
+#include "SupplyFolder.h"
 #include "SystemCodes.h"
 
 namespace norv::platform {
@@ -75,7 +76,7 @@ std::optional<ProductVersion> ParseVersion(std::string_view text) {
 }
 
 std::optional<SystemBattery> ReadBattery(std::uint32_t slot) {
-  return posix::PowerSupply(posix::kPowerSupplyFolder).Read(slot);
+  return posix::ReadBattery(posix::SupplyFolder(posix::kPowerSupplyFolder), slot);
 }
 
 // Linux: no WMI and no BIOS that knows the commands, but batteries that the kernel knows, and Windows' numbers for

@@ -1,23 +1,12 @@
 #include "PowerSupply.h"
 
-#include <fcntl.h>
-#include <linux/magic.h>
-#include <linux/openat2.h>
-#include <sys/syscall.h>
-#include <sys/vfs.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <filesystem>
 #include <limits>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
-
-#include "FileDescriptor.h"
 
 namespace norv::platform::posix {
 
@@ -44,43 +33,13 @@ std::string_view Trimmed(std::string_view text) {
                                          : text.substr(first, text.find_last_not_of(kPadding) - first + 1);
 }
 
-// The folder of the class.
-class ClassFolder {
- public:
-  explicit ClassFolder(const std::string& path) : folder_(::open(path.c_str(), kFlags)) {}
-
-  // The folder of one supply as a file descriptor; negative when it has none within its bounds.
-  int Open(const std::string& name) const {
-    if (IsKernels()) {
-      return ::openat(folder_.Number(), name.c_str(), kFlags);
-    }
-    open_how how{};
-    how.flags = kFlags;
-    how.resolve = RESOLVE_BENEATH;
-    return static_cast<int>(::syscall(SYS_openat2, folder_.Number(), name.c_str(), &how, sizeof how));
-  }
-
- private:
-  static constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-
-  bool IsKernels() const {
-    struct statfs system {};
-    return ::fstatfs(folder_.Number(), &system) == 0 && system.f_type == SYSFS_MAGIC;
-  }
-
-  FileDescriptor folder_;
-};
-
-// One supply. Its folder stays open: all that is read belongs to one device, even where that one goes and another comes
-// under its name.
 class Supply {
  public:
-  Supply(const ClassFolder& folder, const std::string& name, const AttributeReader& read)
-      : folder_(folder.Open(name)), read_(read) {}
+  explicit Supply(AttributeReader read) : read_(std::move(read)) {}
 
   // Nothing when the attribute is missing or cannot be read.
   std::optional<std::string> Text(const char* attribute) const {
-    const auto text = folder_.IsOpen() ? read_(folder_.Number(), attribute) : std::nullopt;
+    const auto text = read_(attribute);
     return text.has_value() ? std::optional<std::string>(Trimmed(*text)) : std::nullopt;
   }
 
@@ -108,8 +67,7 @@ class Supply {
   }
 
  private:
-  FileDescriptor folder_;
-  const AttributeReader& read_;
+  AttributeReader read_;
 };
 
 // What does not change while one battery stays in one state. It is read before everything else and after it.
@@ -193,11 +151,10 @@ SystemBattery Describe(const Supply& supply, const Constants& constants) {
 
 // One reading shows one battery in one state: where it was pulled, exchanged or plugged in meanwhile, it is read again.
 // A battery that never rests counts as none.
-std::optional<SystemBattery> ReadSettled(const ClassFolder& folder, const std::string& name,
-                                         const AttributeReader& read) {
+std::optional<SystemBattery> ReadSettled(const SupplyClass& supplies, const std::string& name) {
   constexpr int kAttempts = 5;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    const Supply supply(folder, name, read);
+    const Supply supply(supplies.Open(name));
     const Constants before = ReadConstants(supply);
     if (!before.isSystemBattery) {
       return std::nullopt;
@@ -238,44 +195,25 @@ bool ComesBefore(std::string_view left, std::string_view right) {
   return left.empty() && !right.empty();
 }
 
-// A folder with more entries than any machine has supplies is not a copy of the class, and has none.
-std::vector<std::string> SupplyNames(const std::string& folder) {
-  constexpr std::size_t kMostSupplies = 1024;
-  std::vector<std::string> names;
-  std::error_code failure;
-  for (std::filesystem::directory_iterator entry(folder, failure), end; !failure && entry != end;
-       entry.increment(failure)) {
-    names.push_back(entry->path().filename().string());
-    if (names.size() > kMostSupplies) {
-      return {};
-    }
-  }
-  std::sort(names.begin(), names.end(), ComesBefore);
-  return names;
-}
-
 }  // namespace
 
-std::optional<std::string> ReadAttribute(int folder, const char* name) {
-  constexpr std::size_t kLongest = 4095;  // no attribute fills a page
-  std::string text;
-  return ReadOrdinaryFileAt(folder, name, kLongest, text) == 0 ? std::optional(std::move(text)) : std::nullopt;
+bool HasSupply(const SupplyClass& supplies) {
+  const std::vector<std::string> names = supplies.Names();
+  return std::any_of(names.begin(), names.end(),
+                     [&](const std::string& name) { return supplies.Open(name)("type").has_value(); });
 }
 
-PowerSupply::PowerSupply(std::string folder, AttributeReader read)
-    : folder_(std::move(folder)), read_(std::move(read)) {
-}
-
-std::optional<SystemBattery> PowerSupply::Read(std::uint32_t slot) const {
-  const ClassFolder folder(folder_);
+std::optional<SystemBattery> ReadBattery(const SupplyClass& supplies, std::uint32_t slot) {
+  std::vector<std::string> names = supplies.Names();
+  std::sort(names.begin(), names.end(), ComesBefore);
   std::uint32_t place = 0;
-  for (const std::string& name : SupplyNames(folder_)) {
-    if (!Supply(folder, name, read_).IsSystemBattery()) {
+  for (const std::string& name : names) {
+    if (!Supply(supplies.Open(name)).IsSystemBattery()) {
       continue;
     }
     if (place < slot) {
       ++place;
-    } else if (auto battery = ReadSettled(folder, name, read_)) {
+    } else if (auto battery = ReadSettled(supplies, name)) {
       return battery;
     }
   }

@@ -1,9 +1,12 @@
 #include "machine/MachineFile.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <limits>
+#include <string_view>
 #include <system_error>
 
 #include "json/Parse.h"
@@ -161,11 +164,12 @@ std::string ReadOptionalLine(const JsonNode& node, const char* key) {
 Origin ReadOrigin(const JsonNode& node) {
   node.ExpectKeys({"kind", "name", "description", "programData"});
   Origin origin;
-  constexpr const char* kKinds = "\"machine\", \"sample\", \"file\" or \"folder\"";
-  const JsonNode kind = node.RequiredMember("kind", kKinds);
+  constexpr std::array<std::string_view, 5> kKinds = {"machine", "sample", "file", "folder", "listing"};
+  constexpr const char* kExpected = "\"machine\", \"sample\", \"file\", \"folder\" or \"listing\"";
+  const JsonNode kind = node.RequiredMember("kind", kExpected);
   origin.kind = kind.Text();
-  if (origin.kind != "machine" && origin.kind != "sample" && origin.kind != "file" && origin.kind != "folder") {
-    kind.FailExpecting(kKinds);
+  if (std::find(kKinds.begin(), kKinds.end(), origin.kind) == kKinds.end()) {
+    kind.FailExpecting(kExpected);
   }
   origin.name = ReadOptionalLine(node, "name");
   origin.description = ReadOptionalLine(node, "description");

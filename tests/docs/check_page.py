@@ -50,7 +50,8 @@ ln -s {root}/tests {root}/bindings .
 norv-battery encode --machine two-batteries --format bin >blocks.bin
 norv-battery encode --machine two-batteries --format hex >dump.hex
 mkdir dumps && cp blocks.bin dumps/first.bin
-cp -r tests/fixtures/power-supply/charge-limit/class copied
+cp tests/fixtures/power-supply/charge-limit.txt notebook.txt
+mkdir -p copied/BAT0 && echo Battery >copied/BAT0/type
 """
 
 

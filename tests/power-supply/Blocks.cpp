@@ -1,5 +1,6 @@
-// Prints what the library's Linux platform answers for a folder of the power supply class: blocks FOLDER. For each slot
-// a line with the return code and, where that is 0, the 128 bytes of the block in hexadecimal, 16 to a line.
+// Prints what the library's Linux platform answers for a folder or a listing of the power supply class: blocks PATH.
+// For each slot a line with the return code and, where that is 0, the 128 bytes of the block in hexadecimal, 16 to a
+// line.
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -27,7 +28,7 @@ void PrintSlot(Platform& platform, unsigned char slot) {
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fputs("usage: blocks FOLDER\n", stderr);
+    std::fputs("usage: blocks PATH\n", stderr);
     return 2;
   }
   PowerSupplyPlatform platform(Platform::Current(), argv[1]);

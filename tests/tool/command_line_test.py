@@ -276,6 +276,35 @@ class PowerSupplyTest(ToolTest):
         self.assertIn("Battery index 0: the full charge capacity 70000 does not fit: 65535 stands for it", done.stderr)
         self.assertIn('the device name "longer than its field" is cut to its first 7 bytes', done.stderr)
 
+    def test_reads_a_listing(self):
+        listing = self.write("notebook.txt", "# a notebook\n/sys/class/power_supply/BAT0/type:Battery\n"
+                                             "/sys/class/power_supply/BAT0/charge_full:4500000\nBAT0/capacity: 80\n")
+        done = self.run_tool("report", "--power-supply", listing)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        head = f"Battery report of the power supply listing {listing}\nRead from: the system's battery driver\n"
+        self.assertTrue(done.stdout.startswith(head), done.stdout)
+        report = json.loads(self.run_tool("report", "--power-supply", listing, "--format", "json").stdout)
+        self.assertEqual((report["source"]["kind"], report["source"]["name"]), ("listing", listing))
+        capacity = report["batteries"][0]["capacity"]
+        self.assertEqual((capacity["fullChargeCapacity"], capacity["driverStateOfCharge"]), (4500, 80))
+
+    def test_listing_without_battery(self):
+        done = self.run_tool("report", "--power-supply", self.write("desktop.txt", "AC/type:Mains\n"))
+        self.assertEqual((done.returncode, done.stdout.count("No battery.\n")), (1, 2))
+
+    def test_listing_with_a_bad_line(self):
+        listing = self.write("notebook.txt", "BAT0/type:Battery\n\nBAT0/capacity\n")
+        for command in ("report", "record", "watch"):
+            self.assert_refused(self.run_tool(command, "--power-supply", listing), "--power-supply", listing,
+                                "line 3: expected SUPPLY/ATTRIBUTE:VALUE, such as BAT0/capacity:97")
+
+    def test_listing_that_is_none(self):
+        fifo = str(pathlib.Path(self.folder.name, "fifo"))
+        os.mkfifo(fifo)
+        for path in (fifo, "/dev/zero", self.write("large.txt", "#" * (1024 * 1024 + 1))):
+            self.assert_refused(self.run_tool("report", "--power-supply", path), "--power-supply", path, "cannot be read",
+                                "expected a folder, or a file of at most 1 MiB")
+
     def test_refuses_what_is_no_folder(self):
         missing = str(pathlib.Path(self.folder.name, "missing"))
         self.assert_refused(self.run_tool("report", "--power-supply", missing), "--power-supply", missing)

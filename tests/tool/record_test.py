@@ -409,6 +409,24 @@ class LinuxTest(RecordCase):
             status, report, errors = self.report(self.recording, "--format", form)
             self.assertEqual((status, without_head(report), errors), (0, expected.stdout, expected.stderr))
 
+    def test_a_listing_of_a_notebook(self):
+        listing = self.path("karlotta.txt")
+        pathlib.Path(listing).write_text("BAT0/type:Battery\nBAT0/voltage_now:11800000\nBAT0/serial_number:0815\n",
+                                         encoding="ascii")
+        recording = run_tool("record", "--power-supply", listing, "--output", self.recording)
+        self.assertEqual((recording.returncode, recording.stderr), (0, b""))
+        contents = json.loads(pathlib.Path(self.recording).read_text(encoding="utf-8"))
+        SCHEMA.validate(contents)
+        self.assertEqual((contents["recordedFrom"]["kind"], contents["recordedFrom"]["name"]), ("listing", listing))
+        expected = run_tool("report", "--power-supply", listing)
+        self.assertIn(b"0815", expected.stdout)
+        status, report, errors = self.report(self.recording)
+        self.assertIn(b"Battery report of a recording of the power supply listing ", report)
+        self.assertEqual((status, without_head(report), errors), (0, expected.stdout, expected.stderr))
+        redacted = run_tool("record", "--power-supply", listing, "--redact").stdout
+        SCHEMA.validate(json.loads(redacted))
+        self.assertNotIn(b"karlotta", redacted)
+
     def test_the_name_of_a_redacted_folder(self):
         folder = pathlib.Path(self.folder.name, "karlotta", "power_supply")
         folder.mkdir(parents=True)

@@ -247,6 +247,26 @@ class LinuxTest(WatchTest):
         self.assertEqual(watch.communicate(timeout=30)[1], b"")
         self.assertEqual(watch.returncode, 0)
 
+    def test_a_listing_that_is_replaced(self):
+        listing = pathlib.Path(self.folder.name, "notebook.txt")
+
+        def write(voltage):
+            written = listing.with_suffix(".new")
+            written.write_text(f"BAT0/type:Battery\nBAT0/voltage_now:{voltage}000\n", encoding="ascii")
+            written.rename(listing)
+
+        write(11800)
+        watch = subprocess.Popen([*TOOL, "watch", "--power-supply", listing, "--interval", "0.05"], stdout=subprocess.PIPE,
+                                 stderr=subprocess.PIPE)
+        self.assertEqual(json.loads(watch.stdout.readline())["batteries"][0]["capacity"]["voltage"], 11800)
+        write(11700)
+        changes = (json.loads(line) for line in watch.stdout)
+        changed = next(reading for reading in changes if "batteries[0].capacity.voltage" in reading["changed"])
+        self.assertEqual(changed["batteries"][0]["capacity"]["voltage"], 11700)
+        watch.send_signal(signal.SIGINT)
+        self.assertEqual(watch.communicate(timeout=30)[1], b"")
+        self.assertEqual(watch.returncode, 0)
+
     def watch_on_terminal(self, *arguments, kind="xterm"):
         controller, terminal = pty.openpty()
         fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 40, 100, 0, 0))

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <system_error>
 
-#include "BatteryFolder.h"
+#include "PowerSupply.h"
 #include "output/EscapeText.h"
 #include "record/Key.h"
 #include "report/Report.h"
@@ -81,22 +81,21 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
       ->expected(1);
 }
 
-void AddMachine(CLI::App& command, std::optional<std::string>& machine, std::optional<std::string>& folder) {
+void AddMachine(CLI::App& command, std::optional<std::string>& machine, std::optional<std::string>& powerSupply) {
   command.add_option("--machine", machine, "Read this machine: a sample's name, or a machine file")
       ->option_text("FILE-OR-SAMPLE");
-  if (HasBatteryFolders()) {
+  if (HasPowerSupplies()) {
     command
-        .add_option("--power-supply", folder,
-                    "Read the batteries in this folder, a copy of a notebook's /sys/class/power_supply")
-        ->option_text("FOLDER")
-        ->check(CLI::ExistingDirectory)
-        ->check(BatteryFolderDefect)
+        .add_option("--power-supply", powerSupply,
+                    "Read the batteries in this copy or listing of a notebook's /sys/class/power_supply")
+        ->option_text("FOLDER-OR-LISTING")
+        ->check(PowerSupplyDefect)
         ->excludes("--machine");
   }
 }
 
 void DescribeReport(CLI::App& command, Arguments& arguments) {
-  AddMachine(command, arguments.machine, arguments.folder);
+  AddMachine(command, arguments.machine, arguments.powerSupply);
   AddChoice(command, "--format", arguments.format, kFormats, "How to write the report", "text|json", "text");
   AddChoice(command, "--log-level", arguments.logSeverity, kLogSeverities,
             "What of the library's log to write to standard error", "none|error|info|verbose", "none");
@@ -181,7 +180,7 @@ void RefuseKeyArgument(CLI::App& command) {
 }
 
 void DescribeRecord(CLI::App& command, RecordOptions& options) {
-  AddMachine(command, options.machine, options.folder);
+  AddMachine(command, options.machine, options.powerSupply);
   command.add_option("--output", options.output, "Write to this file, which appears once it is complete")
       ->option_text("FILE");
   command.add_flag("--cell-swell", options.cellSwell, "Record the cell swell protection data, too");
@@ -216,7 +215,7 @@ void AddInterval(CLI::App& command, std::chrono::duration<double>& interval) {
 
 void DescribeWatch(CLI::App& command, WatchOptions& options) {
   constexpr unsigned int kMostReadings = 4294967295U;
-  AddMachine(command, options.machine, options.folder);
+  AddMachine(command, options.machine, options.powerSupply);
   AddInterval(command, options.interval);
   command.add_option("--count", options.count, "End after this many readings")
       ->option_text("N [no end]")

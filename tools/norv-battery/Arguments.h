@@ -15,8 +15,8 @@ enum class Format { Text, Json };
 
 struct Arguments {
   Command command = Command::Report;
-  std::optional<std::string> machine;  // a sample's name or a file; nothing for the running machine
-  std::optional<std::string> folder;   // of the power supply class, in the place of the running machine's
+  std::optional<std::string> machine;      // a sample's name or a file; nothing for the running machine
+  std::optional<std::string> powerSupply;  // a folder or a listing, in the place of the running machine's batteries
   Format format = Format::Text;
   unsigned int logSeverity = 0;  // a plog severity
   bool cellSwell = false;

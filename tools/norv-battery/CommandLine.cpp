@@ -53,7 +53,7 @@ std::string WhyNothingWasRead(const Report& report) {
 }
 
 int MakeReport(const Arguments& arguments) {
-  const Machine machine = ChooseMachine(arguments.machine, arguments.folder);
+  const Machine machine = ChooseMachine(arguments.machine, arguments.powerSupply);
   if (arguments.logSeverity > 0) {
     LogToStandardError(arguments.logSeverity);
   }

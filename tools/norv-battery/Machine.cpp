@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "BatteryFolder.h"
+#include "PowerSupply.h"
 #include "output/EscapeText.h"
 #include "output/TimeText.h"
 
@@ -27,7 +27,7 @@ bool IsSample(const std::string& name) {
 
 // A report's kinds are constants.
 const char* KindName(const std::string& kind) {
-  constexpr std::array kKinds = {"machine", "sample", "file", "folder"};
+  constexpr std::array kKinds = {"machine", "sample", "file", "folder", "listing"};
   const auto* const found = std::find(kKinds.begin(), kKinds.end(), kind);
   return found != kKinds.end() ? *found : kKinds.front();
 }
@@ -70,12 +70,14 @@ Machine ChooseMachine(const std::optional<std::string>& name) {
   return Attach("file", *name, SimulatedMachine::FromFile(*name));
 }
 
-Machine ChooseFolder(const std::string& folder) {
-  return {Source{"folder", folder, "", ""}, nullptr, PlaceBatteryFolder(folder)};
+Machine ChoosePowerSupply(const std::string& path) {
+  std::error_code ignored;
+  const char* kind = std::filesystem::is_directory(path, ignored) ? "folder" : "listing";
+  return {Source{kind, path, "", ""}, nullptr, PlacePowerSupply(path)};
 }
 
-Machine ChooseMachine(const std::optional<std::string>& name, const std::optional<std::string>& folder) {
-  return folder ? ChooseFolder(*folder) : ChooseMachine(name);
+Machine ChooseMachine(const std::optional<std::string>& name, const std::optional<std::string>& powerSupply) {
+  return powerSupply ? ChoosePowerSupply(*powerSupply) : ChooseMachine(name);
 }
 
 }  // namespace norv::tool

@@ -17,8 +17,8 @@ struct RecordedCall;
 
 // Which machine a recording was made of. A report of the recording names that machine, and not the file.
 struct Origin {
-  std::string kind = "machine";  // "machine" (the running one), "sample", "file" or "folder" (of a battery driver)
-  std::string name;              // of the sample, file or folder; empty for the running machine
+  std::string kind = "machine";  // "machine" (the running one), "sample", "file"; "folder", "listing" (of a driver)
+  std::string name;              // of the sample, file, folder or listing; empty for the running machine
   std::string description;       // one line, or empty
 };
 

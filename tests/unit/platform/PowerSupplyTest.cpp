@@ -1,4 +1,4 @@
-// The kernel's power supply class as Linux shows it, read from folders made for the purpose.
+// The kernel's power supply class as Linux shows it, read from folders and listings made for the purpose.
 #include "posix/PowerSupply.h"
 
 #include <gmock/gmock.h>
@@ -15,9 +15,12 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "norv/platform/PowerSupplyPlatform.h"
+#include "posix/SupplyFolder.h"
+#include "posix/SupplyListing.h"
 
 namespace norv::test {
 namespace {
@@ -28,11 +31,52 @@ using platform::ChargeState;
 using platform::Platform;
 using platform::PowerSupplyPlatform;
 using platform::SystemBattery;
-using platform::posix::PowerSupply;
+using platform::posix::AttributeReader;
+using platform::posix::ReadBattery;
+using platform::posix::SupplyClass;
+using platform::posix::SupplyFolder;
+using platform::posix::SupplyListing;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Attributes = std::map<std::string, std::string>;
+
+// The batteries by their names, in the order of the slots.
+std::vector<std::string> NamesOf(const SupplyClass& supplies) {
+  std::vector<std::string> names;
+  for (std::uint32_t slot = 0; const auto battery = ReadBattery(supplies, slot); ++slot) {
+    names.push_back(battery->deviceName);
+  }
+  return names;
+}
+
+// A folder of which one attribute is answered by functions, one after another; the last answer stays.
+class AnsweredFolder : public SupplyFolder {
+ public:
+  using Answers = std::vector<std::function<std::string()>>;
+
+  AnsweredFolder(const std::string& path, std::string attribute, Answers answers)
+      : SupplyFolder(path), attribute_(std::move(attribute)), answers_(std::move(answers)) {}
+
+  AttributeReader Open(const std::string& name) const override {
+    return [this, read = SupplyFolder::Open(name)](const char* attribute) {
+      return attribute == attribute_ ? std::optional(Answer()) : read(attribute);
+    };
+  }
+
+ private:
+  std::string Answer() const {
+    if (asked_ < answers_.size()) {
+      answer_ = answers_[asked_++]();
+    }
+    return answer_;
+  }
+
+  std::string attribute_;
+  Answers answers_;
+  mutable std::size_t asked_ = 0;
+  mutable std::string answer_;
+};
 
 class PowerSupplyFolder : public testing::Test {
  protected:
@@ -55,32 +99,13 @@ class PowerSupplyFolder : public testing::Test {
     Write(supply, attributes);
   }
 
-  std::optional<SystemBattery> Read(std::uint32_t slot = 0) const { return PowerSupply(folder_.string()).Read(slot); }
-
-  // The batteries by their names, in the order of the slots.
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names;
-    for (std::uint32_t slot = 0; const auto battery = Read(slot); ++slot) {
-      names.push_back(battery->deviceName);
-    }
-    return names;
+  std::optional<SystemBattery> Read(std::uint32_t slot = 0) const {
+    return ReadBattery(SupplyFolder(folder_.string()), slot);
   }
+  std::vector<std::string> Names() const { return NamesOf(SupplyFolder(folder_.string())); }
 
-  // What slot 0 reads while the functions answer the reads of one attribute one after another; the last answer stays.
-  std::optional<SystemBattery> ReadWhile(const std::string& attribute,
-                                         const std::vector<std::function<std::string()>>& answers) const {
-    std::size_t asked = 0;
-    std::string answer;
-    const auto read = [&](int folder, const char* name) {
-      if (name != attribute) {
-        return platform::posix::ReadAttribute(folder, name);
-      }
-      if (asked < answers.size()) {
-        answer = answers[asked++]();
-      }
-      return std::optional(answer);
-    };
-    return PowerSupply(folder_.string(), read).Read(0);
+  std::optional<SystemBattery> ReadWhile(const std::string& attribute, const AnsweredFolder::Answers& answers) const {
+    return ReadBattery(AnsweredFolder(folder_.string(), attribute, answers), 0);
   }
 
   fs::path folder_;
@@ -232,10 +257,7 @@ TEST_F(PowerSupplyFolder, FollowsLinksWithinItselfOnly) {
   fs::create_symlink("devices/inside", folder_ / "class" / "BAT0");
   fs::create_symlink("../outside", folder_ / "class" / "BAT1");
   fs::create_symlink(folder_ / "outside", folder_ / "class" / "BAT2");
-  const PowerSupply supplies((folder_ / "class").string());
-  ASSERT_TRUE(supplies.Read(0).has_value());
-  EXPECT_EQ(supplies.Read(0)->deviceName, "class/devices/inside");
-  EXPECT_FALSE(supplies.Read(1).has_value());
+  EXPECT_THAT(NamesOf(SupplyFolder((folder_ / "class").string())), ElementsAre("class/devices/inside"));
 }
 
 TEST_F(PowerSupplyFolder, OfMoreEntriesThanAMachineHasSuppliesIsNone) {
@@ -301,7 +323,7 @@ TEST_F(PowerSupplyFolder, ABatteryThatNeverRestsIsNone) {
   WriteBattery("BAT0");
   int count = 0;
   const auto another = [&count] { return std::to_string(++count) + "\n"; };
-  EXPECT_FALSE(ReadWhile("serial_number", std::vector<std::function<std::string()>>(10, another)).has_value());
+  EXPECT_FALSE(ReadWhile("serial_number", AnsweredFolder::Answers(10, another)).has_value());
   EXPECT_EQ(count, 10) << "five attempts";
 }
 
@@ -320,6 +342,133 @@ TEST_F(PowerSupplyFolder, StandsBehindAPlatform) {
   EXPECT_EQ(machine.DriverStateOfCharge(0), 77U);
   EXPECT_EQ(machine.DriverStateOfCharge(1), std::nullopt) << "its driver gives none";
   EXPECT_EQ(machine.DriverStateOfCharge(2), std::nullopt) << "no battery";
+}
+
+// The value that a listing gives for an attribute of BAT0.
+std::optional<std::string> Listed(const std::string& text, const char* attribute = "capacity") {
+  return SupplyListing(text).Open("BAT0")(attribute);
+}
+
+TEST(PowerSupplyListing, IsReadLikeAFolder) {
+  const SupplyListing listing(
+      "# a notebook\n"
+      "BAT10/type:Battery\nBAT10/model_name:ten\n"
+      "AC/type:Mains\n"
+      "BAT2/type: Battery \nBAT2/model_name:two\nBAT2/cycle_count:7\n");
+  EXPECT_EQ(listing.Defect(), std::nullopt);
+  EXPECT_THAT(NamesOf(listing), ElementsAre("two", "ten"));
+  EXPECT_EQ(ReadBattery(listing, 0)->cycleCount, 7);
+  EXPECT_EQ(ReadBattery(listing, 0)->temperature, std::nullopt);
+  EXPECT_FALSE(listing.Open("BAT3")("type").has_value());
+}
+
+TEST(PowerSupplyListing, TakesAPathWithAndWithoutItsFolder) {
+  for (const char* folder :
+       {"", "./", "power_supply/", "./power_supply/", "copied/power_supply/", "/sys/class/power_supply/",
+        "/sys/devices/LNXSYSTM:00/LNXSYBUS:00/PNP0A08:00/PNP0C0A:00/power_supply/", "    ",
+        "\t/sys/class/power_supply/"}) {
+    EXPECT_EQ(Listed(folder + std::string("BAT0/capacity:97\n")), "97") << folder;
+  }
+}
+
+TEST(PowerSupplyListing, TakesValuesAsTheyStand) {
+  EXPECT_EQ(Listed("BAT0/capacity:97"), "97");
+  EXPECT_EQ(Listed("BAT0/capacity:97\r\n"), "97");
+  EXPECT_EQ(Listed("BAT0/capacity:\n"), "");
+  EXPECT_EQ(Listed("BAT0/capacity: 9:7/power_supply/\xFF \n"), " 9:7/power_supply/\xFF ");
+  EXPECT_EQ(Listed("BAT0/uevent:A=1\nBAT0/uevent:B=2\nBAT0/capacity:9\n", "uevent"), "A=1\nB=2");
+  EXPECT_EQ(SupplyListing("ucsi-source-psy-USBC000:001/online:1").Open("ucsi-source-psy-USBC000:001")("online"), "1");
+}
+
+TEST(PowerSupplyListing, PassesOverRemarksAndDeeperFolders) {
+  const char* const text =
+      "\n"
+      "  # comment\n"
+      "grep: /sys/class/power_supply/BAT0/device: Is a directory\n"
+      "grep: /sys/class/power_supply/BAT0/serial_number: binary file matches\n"
+      "Binary file /sys/class/power_supply/BAT0/manufacturer matches\n"
+      "/sys/class/power_supply/BAT0/power/control:auto\n"
+      "/sys/class/power_supply/BAT0/capacity:97\n"
+      "/sys/class/power_supply/BAT0/power/control:auto\n";
+  EXPECT_EQ(SupplyListing(text).Defect(), std::nullopt);
+  EXPECT_EQ(Listed(text), "97");
+  EXPECT_EQ(Listed(text, "power/control"), std::nullopt);
+}
+
+TEST(PowerSupplyListing, RefusesABadLineWithItsNumber) {
+  const std::string form = "expected SUPPLY/ATTRIBUTE:VALUE, such as BAT0/capacity:97";
+  const std::string once = "expected each attribute once, all its lines in a row";
+  std::string many;
+  for (int number = 0; number <= 1024; ++number) {
+    many += std::to_string(number) + "/type:Mains\n";
+  }
+  const std::map<std::string, std::string> refusals{
+      {"capacity:97", "line 1: " + form},
+      {"BAT0/capacity 97", "line 1: " + form},
+      {"BAT0/capacity", "line 1: " + form},
+      {"/capacity:97", "line 1: " + form},
+      {"BAT0/:97", "line 1: " + form},
+      {"BAT0/the capacity:97", "line 1: " + form},
+      {"see BAT0/capacity:97", "line 1: " + form},
+      {"# good\nBAT0/type:Battery\n\nbad\n", "line 4: " + form},
+      {"BAT0/a:1\nBAT0/b:2\nBAT0/a:1\n", "line 3: " + once},
+      {"BAT0/a:" + std::string(4096, '1'), "line 1: expected a value of at most 4095 bytes"},
+      {"BAT0/a:" + std::string(4094, '1') + "\nBAT0/a:\nBAT0/a:", "line 3: expected a value of at most 4095 bytes"},
+      {many, "line 1025: expected at most 1024 supplies"},
+  };
+  for (const auto& [text, refusal] : refusals) {
+    const SupplyListing listing(text);
+    EXPECT_EQ(listing.Defect(), refusal) << text.substr(0, 60);
+    EXPECT_THAT(listing.Names(), IsEmpty());
+  }
+}
+
+TEST(PowerSupplyListing, TakesWhatIsWithinItsBounds) {
+  EXPECT_EQ(Listed("BAT0/capacity:" + std::string(4095, '1')), std::string(4095, '1'));
+  std::string many;
+  for (int number = 0; number < 1024; ++number) {
+    many += std::to_string(number) + "/type:Mains\n";
+  }
+  EXPECT_EQ(SupplyListing(many).Names().size(), 1024U);
+}
+
+TEST_F(PowerSupplyFolder, MayBeAListingInstead) {
+  const std::string file = (folder_ / "listing").string();
+  PowerSupplyPlatform machine(Platform::Current(), file);
+  EXPECT_EQ(machine.DriverStateOfCharge(0), std::nullopt) << "missing";
+  std::ofstream(file) << "BAT0/type:Battery\nBAT0/capacity:77\n";
+  EXPECT_EQ(machine.DriverStateOfCharge(0), 77U);
+  EXPECT_EQ(PowerSupplyPlatform::Defect(file), std::nullopt);
+  std::ofstream(file) << "BAT0/type:Battery\nBAT0/capacity:76\n";
+  EXPECT_EQ(machine.DriverStateOfCharge(0), 76U) << "read anew";
+  std::ofstream(file) << "BAT0/type:Battery\nbroken\n";
+  EXPECT_EQ(machine.DriverStateOfCharge(0), std::nullopt);
+}
+
+TEST_F(PowerSupplyFolder, OrListingIsRefusedWithTheReason) {
+  const auto defect = [this](const char* name) {
+    return PowerSupplyPlatform::Defect((folder_ / name).string()).value_or("none");
+  };
+  const std::string expected = "; expected a folder, or a file of at most 1 MiB that is no link";
+  EXPECT_EQ(defect("missing"), "cannot be read: No such file or directory" + expected);
+  ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  EXPECT_EQ(defect("pipe"), "cannot be read: Permission denied" + expected);
+  std::ofstream(folder_ / "large") << std::string((std::size_t{1} << 20U) + 1, '#');
+  EXPECT_EQ(defect("large"), "cannot be read: File too large" + expected);
+  fs::create_symlink("large", folder_ / "link");
+  EXPECT_EQ(defect("link"), "cannot be read: Too many levels of symbolic links" + expected);
+  std::ofstream(folder_ / "empty") << "# nothing\nBAT0/capacity:97\n";
+  EXPECT_EQ(defect("empty"),
+            "no listing of the power supply class: expected a line such as BAT0/type:Battery for each supply");
+  std::ofstream(folder_ / "broken") << "BAT0/type:Battery\nbroken\n";
+  EXPECT_EQ(defect("broken"), "line 2: expected SUPPLY/ATTRIBUTE:VALUE, such as BAT0/capacity:97");
+  Write("class", {});
+  EXPECT_EQ(defect("class"), "none") << "of a machine without a battery";
+  Write("class/BAT0", {{"capacity", "97"}});
+  EXPECT_EQ(defect("class"),
+            "no folder of the power supply class: expected a folder with a file 'type' for each supply");
+  Write("class/BAT1", {{"type", "Battery"}});
+  EXPECT_EQ(defect("class"), "none");
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ simulator::Origin OriginOf(const Source& source) {
 int RunRecord(const RecordOptions& options) {
   // Before anything is read or written: a recording takes its time, and a wrong key file is found at once.
   const std::optional<std::string> key = options.redact ? GivenKey(options.keyFile) : std::nullopt;
-  const Machine machine = ChooseMachine(options.machine, options.folder);
+  const Machine machine = ChooseMachine(options.machine, options.powerSupply);
   const auto output = OpenOutput(options.output);
   if (output == nullptr) {
     return kUnusable;

@@ -7,9 +7,9 @@
 namespace norv::tool {
 
 struct RecordOptions {
-  std::optional<std::string> machine;  // a sample's name or a file; nothing for the running machine
-  std::optional<std::string> folder;   // of the power supply class, in the place of the running machine's
-  std::optional<std::string> output;   // standard output without one
+  std::optional<std::string> machine;      // a sample's name or a file; nothing for the running machine
+  std::optional<std::string> powerSupply;  // a folder or a listing, in the place of the running machine's batteries
+  std::optional<std::string> output;       // standard output without one
   bool cellSwell = false;
   bool test = false;
   bool redact = false;

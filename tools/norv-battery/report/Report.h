@@ -135,7 +135,7 @@ struct TestReport {
 // Where the report was read.
 struct Source {
   const char* kind =
-      "machine";  // "machine" (the running one), "sample", "file" or "folder" (of the power supply class)
+      "machine";  // "machine" (the running one), "sample", "file"; "folder", "listing" (of power supplies)
   std::string name;
   std::string description;
   std::string channel;                                   // what answered for the batteries, in a few words

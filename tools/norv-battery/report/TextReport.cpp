@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -22,6 +23,14 @@ constexpr std::array<std::pair<int, const char*>, 4> kCategories = {{
     {2, "an exception of the standard library"},
     {kSystemFailure, "a status of the operating system"},
     {kValueFailure, "a wrong value, or a return code of the BIOS"},
+}};
+
+// Of named sources by their kinds.
+constexpr std::array<std::pair<std::string_view, const char*>, 4> kSubjects = {{
+    {"sample", "the simulated machine "},
+    {"file", "the simulated machine "},
+    {"folder", "the power supply folder "},
+    {"listing", "the power supply listing "},
 }};
 
 constexpr std::string_view kLegend =
@@ -141,8 +150,9 @@ std::string SubjectText(const Source& source) {
   if (source.name.empty()) {
     return recording + (source.isRecording ? "the machine that it was made on" : "this machine");
   }
-  const bool isFolder = std::string_view(source.kind) == "folder";
-  return recording + (isFolder ? "the power supply folder " : "the simulated machine ") + EscapeText(source.name);
+  const auto* const subject =
+      std::find_if(kSubjects.begin(), kSubjects.end(), [&](const auto& entry) { return entry.first == source.kind; });
+  return recording + (subject != kSubjects.end() ? subject->second : "") + EscapeText(source.name);
 }
 
 std::string TextReport(const Report& report) {

@@ -39,7 +39,9 @@ std::string Title(const Source& source, std::chrono::duration<double> interval) 
 class Watch {
  public:
   explicit Watch(const WatchOptions& options)
-      : options_(options), machine_(ChooseMachine(options.machine, options.folder)), form_(ChooseForm(options.format)) {
+      : options_(options),
+        machine_(ChooseMachine(options.machine, options.powerSupply)),
+        form_(ChooseForm(options.format)) {
     if (form_ == Form::JsonLines) {
       UseBinaryStreams();  // JSON is for programs, which need no line ends of this system
     }

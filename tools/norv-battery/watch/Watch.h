@@ -13,8 +13,8 @@ inline constexpr double kShortestInterval = 0.01;  // seconds
 inline constexpr double kLongestInterval = 86400;
 
 struct WatchOptions {
-  std::optional<std::string> machine;  // a sample's name or a file; nothing for the running machine
-  std::optional<std::string> folder;   // of the power supply class, in the place of the running machine's
+  std::optional<std::string> machine;      // a sample's name or a file; nothing for the running machine
+  std::optional<std::string> powerSupply;  // a folder or a listing, in the place of the running machine's batteries
   std::chrono::duration<double> interval{5};
   std::optional<unsigned int> count;  // of readings; without an end where there is none
   std::optional<WatchFormat> format;  // by what standard output is where there is none
