@@ -22,19 +22,7 @@ struct LeftCode {
   bool operator==(const LeftCode&) const = default;
 };
 
-// Which members mean something is the operation's business:
-//
-//   SendBiosCommand      number: the status; returnCode; block, where both are 0
-//   ConnectWmi, Query    number: the code
-//   RunProgram           fails
-//   ReadProductVersion   text: "1.2.3.4", or fails
-//   LibraryPath          text, number: the length that was told
-//   ModuleName           text
-//   ProgramDataFolder    fails where there is none; text: the report that lay in it
-//   FormatSystemMessage  text, number: the length that was told, 0 for a failure
-//   Now, LocalTimeValue, LastSystemCode   number
-//   BatterySource        text
-//   DriverStateOfCharge  number, or fails
+// Which members mean something is told by the AnswerForm of the operation.
 struct Outcome {
   std::optional<Thrown> thrown;
   bool fails = false;
@@ -42,7 +30,7 @@ struct Outcome {
   std::uint32_t returnCode = 0;
   std::optional<Block> block;
   std::optional<std::string> text;  // bytes
-  std::optional<LeftCode> left;     // where LastSystemCode was asked
+  std::optional<LeftCode> left;     // where LastSystemCode was asked, or is to be answered by it
 
   bool operator==(const Outcome&) const = default;
 };

@@ -2,44 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
-
-#include "calls/OperationText.h"
+#include <system_error>
 
 namespace norv::simulator {
 
 namespace {
-
-// Every operation can throw besides.
-constexpr std::array kBiosEffects{FaultEffect::Status, FaultEffect::ReturnCode};
-constexpr std::array kCodeEffects{FaultEffect::Code};
-constexpr std::array kFailsEffects{FaultEffect::Fails};
-
-struct OperationEffects {
-  std::string_view operation;
-  std::span<const FaultEffect> effects;
-};
-
-constexpr std::array kOperations{
-    OperationEffects{kSendBiosCommand, kBiosEffects},
-    OperationEffects{kConnectWmi, kCodeEffects},
-    OperationEffects{kQuery, kCodeEffects},
-    OperationEffects{kNext, kFailsEffects},
-    OperationEffects{kReadText, kCodeEffects},
-    OperationEffects{kReadNumber, kFailsEffects},
-    OperationEffects{kRunProgram, kCodeEffects},
-    OperationEffects{kReadProductVersion, kCodeEffects},
-    OperationEffects{kLibraryPath, kFailsEffects},
-    OperationEffects{kModuleName, kFailsEffects},
-    OperationEffects{kProgramDataFolder, kFailsEffects},
-    OperationEffects{kFormatSystemMessage, kCodeEffects},
-    OperationEffects{kLastSystemCode, kCodeEffects},
-    OperationEffects{kReportInvalidParameter, {}},
-    OperationEffects{kNow, {}},
-    OperationEffects{kLocalTimeValue, kFailsEffects},
-    OperationEffects{kBatterySource, kFailsEffects},
-    OperationEffects{kDriverStateOfCharge, kFailsEffects},
-};
 
 struct NamedEffect {
   std::string_view name;
@@ -53,6 +20,7 @@ constexpr std::array kNamedEffects{
     NamedEffect{"fails", FaultEffect::Fails},
 };
 
+// By the kinds of Thrown.
 constexpr std::array kThrown{
     NamedEffect{"runtime_error", FaultEffect::ThrowsRuntimeError},
     NamedEffect{"system_error", FaultEffect::ThrowsSystemError},
@@ -64,26 +32,22 @@ constexpr std::array kThrown{
     NamedEffect{"other", FaultEffect::ThrowsOther},
 };
 
-const OperationEffects* Find(std::string_view operation) {
-  const auto* const found = std::find_if(kOperations.begin(), kOperations.end(),
-                                         [&](const OperationEffects& entry) { return entry.operation == operation; });
-  return found != kOperations.end() ? found : nullptr;
+const NamedEffect* FindThrown(FaultEffect effect) {
+  const auto* const found =
+      std::find_if(kThrown.begin(), kThrown.end(), [&](const NamedEffect& entry) { return entry.effect == effect; });
+  return found != kThrown.end() ? found : nullptr;
+}
+
+Thrown InjectedThrown(const NamedEffect& entry) {
+  if (entry.effect == FaultEffect::ThrowsSystemError) {
+    return {std::string(entry.name), kInjectedText, static_cast<int>(std::errc::permission_denied), "generic"};
+  }
+  return {std::string(entry.name), kInjectedText, kInjectedNumber, ""};
 }
 
 std::string Quoted(std::string_view text) {
   std::string quoted;
   return quoted.append(1, '"').append(text).append(1, '"');
-}
-
-void AppendToList(const std::string& item, std::string& list) {
-  if (!list.empty()) {
-    list += ", ";
-  }
-  list += item;
-}
-
-bool Throws(FaultEffect effect) {
-  return std::any_of(kThrown.begin(), kThrown.end(), [&](const NamedEffect& entry) { return entry.effect == effect; });
 }
 
 bool NeedsNumber(FaultEffect effect) {
@@ -92,25 +56,22 @@ bool NeedsNumber(FaultEffect effect) {
 
 }  // namespace
 
-bool IsOperation(std::string_view operation) {
-  return Find(operation) != nullptr;
-}
-
-std::string OperationNames() {
-  std::string names;
-  for (const OperationEffects& entry : kOperations) {
-    AppendToList(std::string(entry.operation), names);
+bool HasEffect(const OperationRow& operation, FaultEffect effect) {
+  const Failures failures = operation.failures;
+  switch (effect) {
+    case FaultEffect::Status:
+    case FaultEffect::ReturnCode:
+      return failures == Failures::Bios;
+    case FaultEffect::Code:
+      return failures == Failures::Code || failures == Failures::LeftCode;
+    case FaultEffect::Fails:
+      return failures == Failures::Fails;
+    default:
+      return FindThrown(effect) != nullptr;
   }
-  return names;
 }
 
-bool HasEffect(std::string_view operation, FaultEffect effect) {
-  const OperationEffects* const entry = Find(operation);
-  return entry != nullptr &&
-         (Throws(effect) || std::find(entry->effects.begin(), entry->effects.end(), effect) != entry->effects.end());
-}
-
-std::string EffectKeys(std::string_view operation) {
+std::string EffectKeys(const OperationRow& operation) {
   std::string keys;
   for (const NamedEffect& entry : kNamedEffects) {
     if (HasEffect(operation, entry.effect)) {
@@ -121,28 +82,43 @@ std::string EffectKeys(std::string_view operation) {
 }
 
 std::optional<FaultEffect> ThrowsEffect(std::string_view thrown) {
-  for (const NamedEffect& entry : kThrown) {
-    if (entry.name == thrown) {
-      return entry.effect;
-    }
-  }
-  return std::nullopt;
+  const auto* const found =
+      std::find_if(kThrown.begin(), kThrown.end(), [&](const NamedEffect& entry) { return entry.name == thrown; });
+  return found != kThrown.end() ? std::optional(found->effect) : std::nullopt;
 }
 
 std::string ThrownNames() {
   std::string names;
   for (const NamedEffect& entry : kThrown) {
-    AppendToList(Quoted(entry.name), names);
+    names.append(names.empty() ? "" : ", ").append(Quoted(entry.name));
   }
   return names;
 }
 
-std::string FaultProblem(const Fault& fault) {
-  if (!IsOperation(fault.operation)) {
-    return Quoted(fault.operation) + " is no operation, expected one of: " + OperationNames();
+Outcome FaultOutcome(const Fault& fault) {
+  Outcome outcome;
+  if (const NamedEffect* const thrown = FindThrown(fault.effect)) {
+    outcome.thrown = InjectedThrown(*thrown);
+  } else if (fault.effect == FaultEffect::ReturnCode) {
+    outcome.returnCode = fault.number;
+  } else {
+    outcome.fails = true;
+    outcome.number = static_cast<std::int32_t>(fault.number);
   }
-  if (!HasEffect(fault.operation, fault.effect)) {
-    return fault.operation + " does not fail in this way, expected " + EffectKeys(fault.operation);
+  const OperationRow* const operation = FindOperation(fault.operation);
+  if (operation != nullptr && operation->failures == Failures::LeftCode && fault.effect == FaultEffect::Code) {
+    outcome.left = LeftCode{fault.number, std::nullopt};
+  }
+  return outcome;
+}
+
+std::string FaultProblem(const Fault& fault) {
+  const OperationRow* const operation = FindOperation(fault.operation);
+  if (operation == nullptr) {
+    return Quoted(fault.operation) + " is no operation, expected one of: " + OperationNames(Operations());
+  }
+  if (!HasEffect(*operation, fault.effect)) {
+    return fault.operation + " does not fail in this way, expected " + EffectKeys(*operation);
   }
   if (NeedsNumber(fault.effect) && fault.number == 0) {
     return fault.operation + " cannot fail with 0, which stands for success";

@@ -1,29 +1,28 @@
-// Which fault effects each operation has, and what machine files call them.
+// Which fault effects each operation has, what machine files call them, and what they make of a call.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "calls/Operations.h"
+#include "calls/Outcome.h"
 #include "norv/simulator/FaultInjector.h"
 
 namespace norv::simulator {
 
-bool IsOperation(std::string_view operation);
-
-// Every operation, "SendBiosCommand, ConnectWmi, ...".
-std::string OperationNames();
-
-// Whether `operation`, one of the above, can have the effect.
-bool HasEffect(std::string_view operation, FaultEffect effect);
+bool HasEffect(const OperationRow& operation, FaultEffect effect);
 
 // The keys that a fault of `operation` may have as its effect: "status", "returnCode" or "throws".
-std::string EffectKeys(std::string_view operation);
+std::string EffectKeys(const OperationRow& operation);
 
 // The effect of "throws": "runtime_error".
 std::optional<FaultEffect> ThrowsEffect(std::string_view thrown);
 
 // What "throws" may be: "runtime_error", "system_error" ...
 std::string ThrownNames();
+
+// What is answered to a call that the fault strikes, which has no FaultProblem.
+Outcome FaultOutcome(const Fault& fault);
 
 }  // namespace norv::simulator

@@ -8,7 +8,4 @@ namespace norv::simulator {
 
 Answer ReadAnswer(const JsonNode& node);
 
-// "throws" and what belongs to it.
-Thrown ReadThrown(const JsonNode& node);
-
 }  // namespace norv::simulator

@@ -8,21 +8,12 @@ namespace norv::simulator {
 
 namespace {
 
-constexpr const char* kEffectKeys[] = {"status", "returnCode", "code", "fails", "throws"};
-
 // The one member that says how the operation fails.
-JsonNode ReadEffectMember(const JsonNode& node, const std::string& operation) {
-  std::optional<JsonNode> effect;
-  for (const char* key : kEffectKeys) {
-    const std::optional<JsonNode> member = node.Member(key);
-    if (member.has_value() && effect.has_value()) {
-      member->Fail("expected only one of the keys that say how " + operation + " fails, found \"" + effect->Name() +
-                   "\" too");
-    }
-    effect = member.has_value() ? member : effect;
-  }
+JsonNode ReadEffectMember(const JsonNode& node, const OperationRow& operation) {
+  const std::string name(operation.name);
+  const auto effect = node.OneMember({"status", "returnCode", "code", "fails", "throws"}, "say how " + name + " fails");
   if (!effect.has_value()) {
-    node.Fail("expected " + EffectKeys(operation) + " to say how " + operation + " fails, found neither");
+    node.Fail("expected " + EffectKeys(operation) + " to say how " + name + " fails, found neither");
   }
   return *effect;
 }
@@ -54,8 +45,9 @@ Fault ReadFault(const JsonNode& node) {
   Fault fault;
   const JsonNode operation = node.RequiredMember("operation", "the name of an operation");
   fault.operation = operation.Text();
-  if (!IsOperation(fault.operation)) {
-    operation.FailExpecting("one of: " + OperationNames());
+  const OperationRow* const row = FindOperation(fault.operation);
+  if (row == nullptr) {
+    operation.FailExpecting("one of: " + OperationNames(Operations()));
   }
   if (const auto call = node.Member("call")) {
     fault.call = static_cast<unsigned>(call->WholeNumber(1, std::numeric_limits<std::int32_t>::max()));
@@ -63,10 +55,10 @@ Fault ReadFault(const JsonNode& node) {
   if (const auto argument = node.Member("argument")) {
     fault.argument = argument->Text();
   }
-  const JsonNode effect = ReadEffectMember(node, fault.operation);
+  const JsonNode effect = ReadEffectMember(node, *row);
   ReadEffect(effect, fault);
-  if (!HasEffect(fault.operation, fault.effect)) {
-    effect.Fail("unknown key for " + fault.operation + ", expected " + EffectKeys(fault.operation));
+  if (!HasEffect(*row, fault.effect)) {
+    effect.Fail("unknown key for " + fault.operation + ", expected " + EffectKeys(*row));
   }
   return fault;
 }

@@ -75,34 +75,24 @@ std::optional<std::uint32_t> JsonNode::HexCode() const {
 }
 
 std::uint32_t JsonNode::Code() const {
-  const std::string expected = "a code other than 0, from 1 to 4294967295 or a text such as \"0x80070005\"";
-  if (IsText()) {
-    const std::optional<std::uint32_t> code = HexCode();
-    if (!code.has_value()) {
-      FailExpecting(expected);
-    }
-    return *code;
-  }
-  if (value_->Number().value_or(0) == 0) {
-    FailExpecting(expected);
-  }
-  return static_cast<std::uint32_t>(WholeNumber(1, std::numeric_limits<std::uint32_t>::max()));
+  return static_cast<std::uint32_t>(
+      CodeWithin("a code other than 0, from 1 to 4294967295 or a text such as \"0x80070005\"", 1,
+                 std::numeric_limits<std::uint32_t>::max()));
 }
 
 std::int32_t JsonNode::SignedCode() const {
-  const std::string expected = "a code other than 0, from -2147483648 to 2147483647 or a text such as \"0x80070005\"";
-  if (IsText()) {
-    const std::optional<std::uint32_t> code = HexCode();
-    if (!code.has_value()) {
-      FailExpecting(expected);
-    }
-    return static_cast<std::int32_t>(*code);
-  }
-  if (value_->Number().value_or(0) == 0) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  return static_cast<std::int32_t>(
+      CodeWithin("a code other than 0, from -2147483648 to 2147483647 or a text such as \"0x80070005\"", Limits::min(),
+                 Limits::max()));
+}
+
+std::int64_t JsonNode::CodeWithin(const char* expected, std::int64_t least, std::int64_t most) const {
+  const std::optional<std::uint32_t> hex = IsText() ? HexCode() : std::nullopt;
+  if (!hex && (IsText() || value_->Number().value_or(0) == 0)) {
     FailExpecting(expected);
   }
-  using Limits = std::numeric_limits<std::int32_t>;
-  return static_cast<std::int32_t>(WholeNumber(Limits::min(), Limits::max()));
+  return hex ? *hex : WholeNumber(least, most);
 }
 
 void JsonNode::ExpectTrue() const {
@@ -141,6 +131,18 @@ std::optional<JsonNode> JsonNode::Member(const std::string& key) const {
   const auto* const object = value_->As<json::Object>();
   const json::Value* const found = object != nullptr ? object->Find(key) : nullptr;
   return found != nullptr ? std::optional(JsonNode(*this, key, *found)) : std::nullopt;
+}
+
+std::optional<JsonNode> JsonNode::OneMember(const std::vector<std::string>& keys, const std::string& purpose) const {
+  std::optional<JsonNode> found;
+  for (const std::string& key : keys) {
+    const std::optional<JsonNode> member = Member(key);
+    if (member && found) {
+      member->Fail("expected only one of the keys that " + purpose + ", found \"" + found->Name() + "\" too");
+    }
+    found = member ? member : found;
+  }
+  return found;
 }
 
 JsonNode JsonNode::RequiredMember(const std::string& key, const std::string& expected) const {

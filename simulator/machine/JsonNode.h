@@ -34,6 +34,8 @@ class JsonNode {
   std::vector<JsonNode> Items(std::size_t most = kAnyNumber) const;
   std::vector<JsonNode> Members() const;
   std::optional<JsonNode> Member(const std::string& key) const;
+  // The one of `keys` that is there, if any. Two are refused: only one can do what `purpose` says ("say how it fails").
+  std::optional<JsonNode> OneMember(const std::vector<std::string>& keys, const std::string& purpose) const;
   JsonNode RequiredMember(const std::string& key, const std::string& expected) const;
 
   // Throws MachineFileError when the value is no object or has a key that is not in `keys`.
@@ -52,6 +54,7 @@ class JsonNode {
   JsonNode(const JsonNode& parent, std::size_t index, const json::Value& value);
 
   std::optional<std::uint32_t> HexCode() const;
+  std::int64_t CodeWithin(const char* expected, std::int64_t least, std::int64_t most) const;
 
   const json::Value* value_;
   const std::string* file_;

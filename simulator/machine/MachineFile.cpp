@@ -9,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/Time.h"
 #include "json/Parse.h"
 #include "machine/AnswerFile.h"
 #include "machine/BlockFile.h"
@@ -32,17 +33,6 @@ std::string ReadLine(const JsonNode& node) {
     node.FailExpecting("one line of text that is not empty");
   }
   return text;
-}
-
-std::optional<platform::ProductVersion> ReadVersion(const JsonNode& node) {
-  if (node.IsNull()) {
-    return std::nullopt;
-  }
-  const std::optional<platform::ProductVersion> version = node.IsText() ? ParseVersion(node.Text()) : std::nullopt;
-  if (!version.has_value()) {
-    node.FailExpecting("null or a version \"1.2.3.4\" of four numbers from 0 to 65535");
-  }
-  return version;
 }
 
 // A report as the test program writes it, with the verdict in row 6.
@@ -112,27 +102,11 @@ std::map<std::uint32_t, std::string> ReadSystemMessages(const JsonNode& node) {
 }
 
 std::time_t ReadNow(const JsonNode& node) {
-  const std::string& text = node.Text();
-  int year = 0;
-  unsigned month = 0;
-  unsigned day = 0;
-  unsigned hour = 0;
-  unsigned minute = 0;
-  unsigned second = 0;
-  const auto read = [&text](std::size_t position, std::size_t count, auto& number) {
-    const char* const start = text.data() + position;
-    const auto result = std::from_chars(start, start + count, number);
-    return *start != '-' && result.ec == std::errc() && result.ptr == start + count;
-  };
-  const bool shaped = text.size() == 20 && text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' &&
-                      text[16] == ':' && text[19] == 'Z' && read(0, 4, year) && read(5, 2, month) && read(8, 2, day) &&
-                      read(11, 2, hour) && read(14, 2, minute) && read(17, 2, second);
-  const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month), std::chrono::day(day)};
-  if (!shaped || !date.ok() || year < 1970 || hour > 23 || minute > 59 || second > 59) {
+  const std::optional<std::int64_t> time = base::ParseTime(node.Text());
+  if (!time.has_value() || *time < 0) {
     node.FailExpecting("a time \"2024-06-01T12:00:00Z\" from the year 1970 on");
   }
-  const auto days = std::chrono::sys_days(date).time_since_epoch().count();
-  return std::time_t{days} * 86400 + std::time_t{hour} * 3600 + std::time_t{minute} * 60 + std::time_t{second};
+  return *time;
 }
 
 void ReadClock(const JsonNode& node, MachineDescription& machine) {

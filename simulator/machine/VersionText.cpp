@@ -29,4 +29,15 @@ std::optional<platform::ProductVersion> ParseVersion(const std::string& text) {
   return position == end ? std::optional(version) : std::nullopt;
 }
 
+std::optional<platform::ProductVersion> ReadVersion(const JsonNode& node) {
+  if (node.IsNull()) {
+    return std::nullopt;
+  }
+  const std::optional<platform::ProductVersion> version = node.IsText() ? ParseVersion(node.Text()) : std::nullopt;
+  if (!version.has_value()) {
+    node.FailExpecting("null or a version \"1.2.3.4\" of four numbers from 0 to 65535");
+  }
+  return version;
+}
+
 }  // namespace norv::simulator

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "machine/JsonNode.h"
 #include "norv/platform/Platform.h"
 
 namespace norv::simulator {
@@ -12,5 +13,8 @@ std::string VersionText(const platform::ProductVersion& version);
 
 // Nothing for a text that is not four 16-bit numbers without leading zeros.
 std::optional<platform::ProductVersion> ParseVersion(const std::string& text);
+
+// As a machine file has it, where null stands for none. Throws MachineFileError.
+std::optional<platform::ProductVersion> ReadVersion(const JsonNode& node);
 
 }  // namespace norv::simulator

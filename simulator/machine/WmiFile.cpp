@@ -3,7 +3,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "machine/AnswerFile.h"
+#include "machine/AnswerWords.h"
 #include "machine/Text.h"
 
 namespace norv::simulator {
@@ -15,7 +15,7 @@ TextRead ReadTextRead(const JsonNode& node) {
   if (!node.IsObject()) {
     read.value = node.ByteText();
   } else if (node.Member("throws")) {
-    node.ExpectKeys({"throws", "text", "number", "category"});
+    node.ExpectKeys(kThrownKeys);
     read.thrown = ReadThrown(node);
   } else {
     node.ExpectKeys({"fail"});
@@ -27,7 +27,7 @@ TextRead ReadTextRead(const JsonNode& node) {
 NumberRead ReadNumberRead(const JsonNode& node) {
   NumberRead read;
   if (node.IsObject()) {
-    node.ExpectKeys({"throws", "text", "number", "category"});
+    node.ExpectKeys(kThrownKeys);
     read.thrown = ReadThrown(node);
   } else if (!node.IsNull()) {
     read.value = static_cast<std::uint32_t>(node.WholeNumber(0, std::numeric_limits<std::uint32_t>::max()));

@@ -3,43 +3,49 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
-#include <thread>
 #include <utility>
 
-#include "calls/OperationText.h"
-#include "machine/Text.h"
-#include "machine/VersionText.h"
+#include "calls/LeftCodes.h"
+#include "calls/Operations.h"
+#include "play/PrivateFolder.h"
 #include "play/SimulatedWmi.h"
 #include "play/SystemCalls.h"
-#include "recording/Recording.h"
 
 namespace norv::simulator {
 
-// The answers of each key, and what the last one on each thread leaves for LastSystemCode.
-class AnswerPlayer::Script {
+namespace {
+
+// The answers of each key, and what belongs to the machine that gives them.
+class Script {
  public:
-  explicit Script(std::vector<Answer> answers) {
-    for (Answer& answer : answers) {
-      std::string key = answer.key;
-      entries_[std::move(key)].answers.push_back(std::move(answer));
+  explicit Script(const std::vector<Answer>& answers) {
+    for (const Answer& answer : answers) {
+      entries_[answer.key].answers.push_back(answer);
     }
   }
 
-  // The answer of this call, which stays; null for one that is to be handed on. Throws what the answer throws.
-  const Answer* Take(const std::string& operation, const std::string& argument = {},
-                     const std::string& wmiNamespace = {}, const std::string& extraInput = {}) {
-    const Answer* const answer = Find(CallKey(operation, argument, wmiNamespace, extraInput));
-    if (answer != nullptr && answer->outcome.thrown.has_value()) {
-      Throw(*answer->outcome.thrown);
+  // The answer of this call, which stays; null for one that is to be handed on.
+  const Answer* Take(const Call& call) {
+    const Answer* const answer = Find(CallKey(call));
+    // To ask for the code of a failure changes nothing about it.
+    if (call.operation != kLastSystemCode) {
+      constexpr LeftCode kNone{kFileNotFound, std::nullopt};
+      codes_.Leave(answer != nullptr ? std::optional(answer->outcome.left.value_or(kNone)) : std::nullopt);
     }
     return answer;
   }
 
-  // What is left of the last answer on this thread; nothing after a call that was handed on.
-  std::optional<LeftCode> Left() {
-    const std::lock_guard lock(mutex_);
-    const auto left = left_.find(std::this_thread::get_id());
-    return left != left_.end() ? std::optional(left->second) : std::nullopt;
+  std::optional<Outcome> Left() const { return codes_.Left(); }
+
+  // The folder, with the report in it that an answer tells of.
+  std::optional<std::string> FolderWith(const std::optional<std::string>& report) {
+    if (report.has_value()) {
+      programData_.WriteReport(*report);
+    } else {
+      programData_.RemoveReport();
+    }
+    const std::string folder = programData_.Path();
+    return folder.empty() ? std::nullopt : std::optional(folder);
   }
 
  private:
@@ -52,207 +58,91 @@ class AnswerPlayer::Script {
     const std::lock_guard lock(mutex_);
     const auto found = entries_.find(key);
     if (found == entries_.end()) {
-      left_.erase(std::this_thread::get_id());
       return nullptr;
     }
     Entry& entry = found->second;
     const Answer& answer = entry.answers[entry.next];
     entry.next = std::min(entry.next + 1, entry.answers.size() - 1);
-    // To ask for the code of a failure changes nothing about it.
-    if (!key.starts_with(kLastSystemCode)) {
-      left_[std::this_thread::get_id()] = answer.outcome.left.value_or(LeftCode{kFileNotFound, std::nullopt});
-    }
     return &answer;
   }
 
   std::mutex mutex_;
   std::map<std::string, Entry> entries_;
-  std::map<std::thread::id, LeftCode> left_;
+  LeftCodes codes_;
+  PrivateFolder programData_;
 };
 
-class AnswerPlayer::Connection : public platform::WmiConnection {
+class Answering : public Hook {
  public:
-  // `inner` is null where the namespace is known from answers alone.
-  Connection(std::shared_ptr<Script> script, std::string wmiNamespace, std::unique_ptr<platform::WmiConnection> inner)
-      : script_(std::move(script)), namespace_(std::move(wmiNamespace)), inner_(std::move(inner)) {}
+  explicit Answering(std::shared_ptr<Script> script) : script_(std::move(script)) {}
 
-  long Query(const std::wstring& wql) override {
-    objects_ = {};
-    answer_ = script_->Take(kQuery, ToUtf8(wql), namespace_);
-    if (answer_ == nullptr) {
-      return inner_ != nullptr ? inner_->Query(wql) : ToHresult(kWbemInvalidClass);
+  Outcome Intercept(const Call& call, const Proceed& proceed) override {
+    if (FindOperation(call.operation)->answers == AnswerForm::ObjectPart) {
+      return query_ != nullptr ? PartOf(call) : proceed();
     }
-    std::vector<const Row*> rows;
-    for (const Row& row : answer_->rows) {
-      rows.push_back(&row);
+    if (call.operation == kLastSystemCode && script_->Left().has_value()) {
+      return *script_->Left();
     }
-    objects_ = FoundObjects(std::move(rows));
-    return static_cast<long>(answer_->outcome.number);
+    const Answer* const answer = script_->Take(call);
+    if (call.operation == kQuery) {
+      Open(answer);
+    }
+    return answer != nullptr ? Told(call, answer->outcome, proceed) : proceed();
   }
 
-  bool Next() override {
-    if (answer_ == nullptr) {
-      return inner_ != nullptr && inner_->Next();
-    }
-    const bool found = objects_.Next();
-    if (!found && answer_->end.has_value()) {
-      Throw(*answer_->end);
-    }
-    return found;
-  }
-
-  long ReadText(const std::wstring& property, std::string& value) override {
-    return IsHandedOn() ? inner_->ReadText(property, value) : objects_.ReadText(property, value);
-  }
-
-  bool ReadNumber(const std::wstring& property, std::uint32_t& value) override {
-    return IsHandedOn() ? inner_->ReadNumber(property, value) : objects_.ReadNumber(property, value);
+  std::shared_ptr<Hook> OfConnection(const std::string& /*wmiNamespace*/) override {
+    return std::make_shared<Answering>(script_);
   }
 
  private:
-  bool IsHandedOn() const { return answer_ == nullptr && inner_ != nullptr; }
+  // Some answers leave work to the platform, too: it connects, and it has an errno.
+  Outcome Told(const Call& call, Outcome outcome, const Proceed& proceed) {
+    const bool connects = call.operation == kConnectWmi && outcome.number == 0;
+    if (!outcome.thrown.has_value() && (connects || call.operation == kReportInvalidParameter)) {
+      proceed();
+    }
+    if (call.operation == kProgramDataFolder && !outcome.fails) {
+      outcome.text = script_->FolderWith(outcome.text);
+    }
+    return outcome;
+  }
+
+  void Open(const Answer* answer) {
+    std::vector<const Row*> rows;
+    if (answer != nullptr) {
+      std::transform(answer->rows.begin(), answer->rows.end(), std::back_inserter(rows),
+                     [](const Row& row) { return &row; });
+    }
+    query_ = answer;
+    objects_ = FoundObjects(std::move(rows));
+  }
+
+  Outcome PartOf(const Call& call) {
+    Outcome outcome;
+    if (call.operation == kNext) {
+      outcome.fails = !objects_.Next();
+      outcome.thrown = outcome.fails ? query_->end : std::nullopt;
+    } else if (call.operation == kReadText) {
+      std::string text;
+      outcome.number = objects_.ReadText(call.argument, text);
+      outcome.text = outcome.number == 0 ? std::optional(text) : std::nullopt;
+    } else {
+      std::uint32_t number = 0;
+      outcome.fails = !objects_.ReadNumber(call.argument, number);
+      outcome.number = number;
+    }
+    return outcome;
+  }
 
   std::shared_ptr<Script> script_;
-  std::string namespace_;
-  std::unique_ptr<platform::WmiConnection> inner_;
-  const Answer* answer_ = nullptr;  // of the last query
+  const Answer* query_ = nullptr;  // of the last query of this connection
   FoundObjects objects_;
 };
 
-AnswerPlayer::AnswerPlayer(platform::Platform& inner, std::vector<Answer> answers)
-    : PlatformWrapper(inner), script_(std::make_shared<Script>(std::move(answers))) {
-}
+}  // namespace
 
-AnswerPlayer::~AnswerPlayer() = default;
-
-std::int32_t AnswerPlayer::SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
-                                           const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
-                                           std::uint32_t* returnCode) {
-  const std::string extraInput = input != nullptr ? ExtraInput({input, inputSize}) : std::string();
-  const Answer* const answer =
-      script_->Take(kSendBiosCommand, BiosCommandText(first, second, third, input, inputSize), {}, extraInput);
-  if (answer == nullptr) {
-    return Inner().SendBiosCommand(first, second, third, input, inputSize, output, returnCode);
-  }
-  const Outcome& outcome = answer->outcome;
-  if (outcome.number == 0 && returnCode != nullptr) {
-    *returnCode = outcome.returnCode;
-  }
-  if (outcome.block.has_value() && output != nullptr) {
-    std::copy(outcome.block->begin(), outcome.block->end(), output);
-  }
-  return static_cast<std::int32_t>(outcome.number);
-}
-
-long AnswerPlayer::ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<platform::WmiConnection>& connection) {
-  const std::string name = ToUtf8(namespacePath);
-  const Answer* const answer = script_->Take(kConnectWmi, name);
-  if (answer != nullptr && answer->outcome.number != 0) {
-    return static_cast<long>(answer->outcome.number);
-  }
-  std::unique_ptr<platform::WmiConnection> inner;
-  const long code = Inner().ConnectWmi(namespacePath, inner);
-  if (answer == nullptr && inner == nullptr) {
-    return code;
-  }
-  connection = std::make_unique<Connection>(script_, name, std::move(inner));
-  return 0;
-}
-
-bool AnswerPlayer::RunProgram(const char* path) {
-  const Answer* const answer = script_->Take(kRunProgram, AsUtf8(PathText(path)));
-  return answer != nullptr ? !answer->outcome.fails : Inner().RunProgram(path);
-}
-
-bool AnswerPlayer::ReadProductVersion(const char* path, platform::ProductVersion& version) {
-  const Answer* const answer = script_->Take(kReadProductVersion, AsUtf8(PathText(path)));
-  if (answer == nullptr) {
-    return Inner().ReadProductVersion(path, version);
-  }
-  const auto told = answer->outcome.text.has_value() ? ParseVersion(*answer->outcome.text) : std::nullopt;
-  version = told.value_or(version);
-  return told.has_value();
-}
-
-std::uint32_t AnswerPlayer::LibraryPath(char* buffer, std::uint32_t size) {
-  const Answer* const answer = script_->Take(kLibraryPath);
-  if (answer == nullptr) {
-    return Inner().LibraryPath(buffer, size);
-  }
-  CopyCut(answer->outcome.text.value_or(""), buffer, size);
-  return static_cast<std::uint32_t>(answer->outcome.number);
-}
-
-std::wstring AnswerPlayer::ModuleName() {
-  const Answer* const answer = script_->Take(kModuleName);
-  return answer != nullptr ? ToWide(answer->outcome.text.value_or("")) : Inner().ModuleName();
-}
-
-std::optional<std::string> AnswerPlayer::ProgramDataFolder() {
-  const Answer* const answer = script_->Take(kProgramDataFolder);
-  if (answer == nullptr) {
-    return Inner().ProgramDataFolder();
-  }
-  if (answer->outcome.fails) {
-    return std::nullopt;
-  }
-  if (answer->outcome.text.has_value()) {
-    programData_.WriteReport(*answer->outcome.text);
-  } else {
-    programData_.RemoveReport();
-  }
-  const std::string folder = programData_.Path();
-  return folder.empty() ? std::nullopt : std::optional(folder);
-}
-
-std::uint32_t AnswerPlayer::FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) {
-  const Answer* const answer = script_->Take(kFormatSystemMessage, std::to_string(code));
-  if (answer == nullptr) {
-    return Inner().FormatSystemMessage(code, buffer, size);
-  }
-  CopyCut(answer->outcome.text.value_or(""), buffer, size);
-  return static_cast<std::uint32_t>(answer->outcome.number);
-}
-
-std::uint32_t AnswerPlayer::LastSystemCode() {
-  const std::optional<LeftCode> left = script_->Left();
-  if (left.has_value()) {
-    if (left->thrown.has_value()) {
-      Throw(*left->thrown);
-    }
-    return left->code;
-  }
-  const std::uint32_t code = Inner().LastSystemCode();
-  const Answer* const answer = script_->Take(kLastSystemCode);
-  return answer != nullptr ? static_cast<std::uint32_t>(answer->outcome.number) : code;
-}
-
-void AnswerPlayer::ReportInvalidParameter() {
-  script_->Take(kReportInvalidParameter);
-  Inner().ReportInvalidParameter();
-}
-
-std::time_t AnswerPlayer::Now() {
-  const Answer* const answer = script_->Take(kNow);
-  return answer != nullptr ? static_cast<std::time_t>(answer->outcome.number) : Inner().Now();
-}
-
-std::time_t AnswerPlayer::LocalTimeValue(const std::tm& calendarTime) {
-  const Answer* const answer = script_->Take(kLocalTimeValue, CalendarTimeText(calendarTime));
-  return answer != nullptr ? static_cast<std::time_t>(answer->outcome.number) : Inner().LocalTimeValue(calendarTime);
-}
-
-std::string AnswerPlayer::BatterySource() {
-  const Answer* const answer = script_->Take(kBatterySource);
-  return answer != nullptr ? answer->outcome.text.value_or("") : Inner().BatterySource();
-}
-
-std::optional<std::uint32_t> AnswerPlayer::DriverStateOfCharge(std::uint32_t slot) {
-  const Answer* const answer = script_->Take(kDriverStateOfCharge, std::to_string(slot));
-  if (answer == nullptr) {
-    return Inner().DriverStateOfCharge(slot);
-  }
-  return answer->outcome.fails ? std::nullopt : std::optional(static_cast<std::uint32_t>(answer->outcome.number));
+std::shared_ptr<Hook> AnsweringHook(const std::vector<Answer>& answers) {
+  return std::make_shared<Answering>(std::make_shared<Script>(answers));
 }
 
 }  // namespace norv::simulator

@@ -15,14 +15,14 @@ struct SimulatedMachine::Parts {
   explicit Parts(MachineDescription described)
       : machine(std::make_shared<MachineDescription>(std::move(described))),
         simulated(machine),
-        player(simulated, machine->answers),
+        player(simulated, AnsweringHook(machine->answers)),
         faults(player, machine->faults),
         recorder(faults),
         scope(recorder) {}
 
   std::shared_ptr<const MachineDescription> machine;
   SimulatedPlatform simulated;
-  AnswerPlayer player;
+  Interceptor player;
   FaultInjector faults;
   OperationRecorder recorder;
   platform::ScopedPlatform scope;

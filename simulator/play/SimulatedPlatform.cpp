@@ -5,6 +5,7 @@
 #include <thread>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "machine/Text.h"
 #include "play/SimulatedWmi.h"
 #include "play/SystemCalls.h"
@@ -70,7 +71,7 @@ std::int32_t SimulatedPlatform::SendBiosCommand(std::uint32_t first, std::uint32
 
 long SimulatedPlatform::ConnectWmi(const std::wstring& namespacePath,
                                    std::unique_ptr<platform::WmiConnection>& connection) {
-  const auto found = machine_->namespaces.find(NamespaceKey(ToUtf8(namespacePath)));
+  const auto found = machine_->namespaces.find(NamespaceKey(base::WideToUtf8(namespacePath)));
   if (found == machine_->namespaces.end()) {
     return ToHresult(kWbemInvalidNamespace);
   }

@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "machine/Text.h"
 #include "play/WmiQuery.h"
 
@@ -95,7 +96,7 @@ class SimulatedConnection : public platform::WmiConnection {
 
   long Query(const std::wstring& wql) override {
     objects_ = {};
-    const std::optional<WmiQuery> query = ParseWmiQuery(ToUtf8(wql));
+    const std::optional<WmiQuery> query = ParseWmiQuery(base::WideToUtf8(wql));
     if (!query.has_value()) {
       return ToHresult(kWbemInvalidQuery);
     }
@@ -119,11 +120,11 @@ class SimulatedConnection : public platform::WmiConnection {
   bool Next() override { return objects_.Next(); }
 
   long ReadText(const std::wstring& property, std::string& value) override {
-    return objects_.ReadText(property, value);
+    return objects_.ReadText(base::WideToUtf8(property), value);
   }
 
   bool ReadNumber(const std::wstring& property, std::uint32_t& value) override {
-    return objects_.ReadNumber(property, value);
+    return objects_.ReadNumber(base::WideToUtf8(property), value);
   }
 
  private:
@@ -164,7 +165,7 @@ bool FoundObjects::Next() {
   return next_ <= rows_.size();
 }
 
-long FoundObjects::ReadText(const std::wstring& property, std::string& value) const {
+long FoundObjects::ReadText(const std::string& property, std::string& value) const {
   const PropertyValue* const found = Find(property);
   if (found == nullptr) {
     return ToHresult(kWbemNotFound);
@@ -180,7 +181,7 @@ long FoundObjects::ReadText(const std::wstring& property, std::string& value) co
   return text.has_value() ? 0 : ToHresult(kDispTypeMismatch);
 }
 
-bool FoundObjects::ReadNumber(const std::wstring& property, std::uint32_t& value) const {
+bool FoundObjects::ReadNumber(const std::string& property, std::uint32_t& value) const {
   const PropertyValue* const found = Find(property);
   if (found == nullptr) {
     return false;
@@ -194,12 +195,12 @@ bool FoundObjects::ReadNumber(const std::wstring& property, std::uint32_t& value
 }
 
 // Null where there is no current row or it has no such property.
-const PropertyValue* FoundObjects::Find(const std::wstring& property) const {
+const PropertyValue* FoundObjects::Find(const std::string& property) const {
   if (next_ == 0 || next_ > rows_.size()) {
     return nullptr;
   }
   const Row& row = *rows_[next_ - 1];
-  const auto found = row.find(Folded(ToUtf8(property)));
+  const auto found = row.find(Folded(property));
   return found != row.end() ? &found->second : nullptr;
 }
 

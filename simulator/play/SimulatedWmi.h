@@ -29,13 +29,13 @@ class FoundObjects {
   // The rows must outlive this object.
   explicit FoundObjects(std::vector<const Row*> rows) : rows_(std::move(rows)) {}
 
-  // As WmiConnection has them.
+  // As WmiConnection has them, but for the names of properties, which are UTF-8.
   bool Next();
-  long ReadText(const std::wstring& property, std::string& value) const;
-  bool ReadNumber(const std::wstring& property, std::uint32_t& value) const;
+  long ReadText(const std::string& property, std::string& value) const;
+  bool ReadNumber(const std::string& property, std::uint32_t& value) const;
 
  private:
-  const PropertyValue* Find(const std::wstring& property) const;
+  const PropertyValue* Find(const std::string& property) const;
 
   std::vector<const Row*> rows_;
   std::size_t next_ = 0;  // one more than the index of the current row, 0 before the first

@@ -12,7 +12,4 @@ json::Object AnswerJson(const RecordedCall& call);
 // One object of a class or an answer.
 json::Object RowJson(const RecordedRow& row);
 
-// A status or a code, "0x80070005".
-std::string CodeText(std::int64_t code);
-
 }  // namespace norv::simulator

@@ -5,8 +5,11 @@
 #include <map>
 #include <set>
 
-#include "calls/OperationText.h"
+#include "base/Time.h"
+#include "base/Utf8.h"
+#include "calls/Operations.h"
 #include "json/Write.h"
+#include "machine/AnswerWords.h"
 #include "machine/HexText.h"
 #include "machine/MachineFile.h"
 #include "machine/Text.h"
@@ -26,7 +29,7 @@ using json::Object;
 using json::Value;
 using Calls = std::vector<RecordedCall>;
 
-const RecordedCall* FindCall(const Calls& calls, const std::string& operation, const std::string& argument = {}) {
+const RecordedCall* FindCall(const Calls& calls, std::string_view operation, const std::string& argument = {}) {
   const auto found = std::find_if(calls.begin(), calls.end(), [&](const RecordedCall& call) {
     return call.operation == operation && (argument.empty() || call.argument == argument) && !call.outcome.thrown;
   });
@@ -34,7 +37,7 @@ const RecordedCall* FindCall(const Calls& calls, const std::string& operation, c
 }
 
 std::string OneLine(const std::string& text) {
-  std::string line = AsUtf8(text);
+  std::string line = base::AsUtf8(text);
   std::replace_if(
       line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
   return line;
@@ -159,7 +162,7 @@ Object TestProgramJson(const Calls& calls) {
         run->outcome.left.has_value() && run->outcome.left->code != 0 ? run->outcome.left->code : kFileNotFound;
   }
   const RecordedCall* const folder = FindCall(calls, kProgramDataFolder);
-  if (run != nullptr && folder != nullptr && folder->outcome.text.has_value() && IsUtf8(*folder->outcome.text)) {
+  if (run != nullptr && folder != nullptr && folder->outcome.text.has_value() && base::IsUtf8(*folder->outcome.text)) {
     program["report"] = *folder->outcome.text;
   }
   return program;
@@ -172,27 +175,10 @@ Object SystemMessagesJson(const Calls& calls) {
     const bool isMessage = call.operation == kFormatSystemMessage && !text.empty() &&
                            text.find('\0') == std::string::npos && messages.Find(call.argument) == nullptr;
     if (isMessage) {
-      messages[call.argument] = ByteText(text);
+      messages[call.argument] = base::BytesToUtf8(text);
     }
   }
   return messages;
-}
-
-// Nothing for a time that the file has no words for.
-std::optional<std::string> TimeText(std::int64_t now) {
-  const std::chrono::sys_seconds time{std::chrono::seconds(now)};
-  const auto day = std::chrono::floor<std::chrono::days>(time);
-  const std::chrono::year_month_day date(day);
-  if (now < 0 || static_cast<int>(date.year()) > 9999) {
-    return std::nullopt;
-  }
-  const std::chrono::hh_mm_ss clock(time - day);
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()));
-  return text.data();
 }
 
 // By how many minutes local time is ahead, taken from the first calendar time that has a time value.
@@ -218,9 +204,9 @@ std::optional<std::int64_t> UtcOffset(const Calls& calls) {
 Object ClockJson(const Calls& calls) {
   Object clock;
   const RecordedCall* const now = FindCall(calls, kNow);
-  const auto time = now != nullptr ? TimeText(now->outcome.number) : std::nullopt;
-  if (time) {
-    clock["now"] = *time;
+  constexpr std::int64_t kBehindTheYears = 253402300800;  // the year 10000
+  if (now != nullptr && now->outcome.number >= 0 && now->outcome.number < kBehindTheYears) {
+    clock["now"] = base::TimeText(now->outcome.number);
   }
   if (const auto offset = UtcOffset(calls)) {
     clock["utcOffsetMinutes"] = *offset;
@@ -243,7 +229,7 @@ Object DescribedJson(const Calls& calls, const Origin& origin) {
   machine["recordedFrom"] = OriginJson(origin, calls);
   const RecordedCall* const source = FindCall(calls, kBatterySource);
   if (source != nullptr && !source->outcome.text.value_or("").empty()) {
-    machine["source"] = AsUtf8(*source->outcome.text);
+    machine["source"] = base::AsUtf8(*source->outcome.text);
   }
   machine["slots"] = SlotsJson(calls);
   AddUnlessEmpty("wmi", WmiJson(calls), machine);
@@ -256,7 +242,7 @@ Object DescribedJson(const Calls& calls, const Origin& origin) {
   const RecordedCall* const path = FindCall(calls, kLibraryPath);
   if (path != nullptr) {
     const std::string text = path->outcome.text.value_or("");
-    machine["modulePath"] = text.empty() ? Value() : Value(AsUtf8(text));
+    machine["modulePath"] = text.empty() ? Value() : Value(base::AsUtf8(text));
   }
   AddUnlessEmpty("clock", ClockJson(calls), machine);
   return machine;
@@ -264,11 +250,8 @@ Object DescribedJson(const Calls& calls, const Origin& origin) {
 
 // The report that a program leaves is found when the folder is asked for: none of the two can be answered without the
 // other.
-constexpr const char* kReportOperations[] = {kRunProgram, kProgramDataFolder};
-
-bool IsReportOperation(const std::string& operation) {
-  return std::find(std::begin(kReportOperations), std::end(kReportOperations), operation) !=
-         std::end(kReportOperations);
+bool IsReportOperation(std::string_view operation) {
+  return operation == kRunProgram || operation == kProgramDataFolder;
 }
 
 // Answers may be such that no description holds them. Then all of them are spelled out.

@@ -7,7 +7,7 @@
 
 #include "SystemMessages.h"
 #include "battery/NorvBatteryTestXmlParser.h"
-#include "calls/OperationText.h"
+#include "calls/Operations.h"
 #include "firmware/Commands.h"
 #include "machine/MachineDescription.h"
 #include "machine/Text.h"

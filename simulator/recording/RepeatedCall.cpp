@@ -1,14 +1,14 @@
 #include "recording/RepeatedCall.h"
 
-#include "calls/OperationText.h"
+#include "calls/Operations.h"
 #include "machine/Text.h"
-#include "norv/simulator/MachineRecorder.h"
+#include "recording/Tape.h"
 
 namespace norv::simulator {
 
 namespace {
 
-// What is thrown is on the recorder's tape.
+// What is thrown is on the tape.
 template <typename Work>
 bool Try(Work work) {
   try {
@@ -49,61 +49,21 @@ void RepeatQuery(platform::Platform& platform, const RecordedCall& call) {
   }
 }
 
-void RepeatOnSystem(platform::Platform& platform, const RecordedCall& call) {
-  const std::string& operation = call.operation;
-  if (operation == kRunProgram) {
-    platform.RunProgram(call.path.c_str());
-  } else if (operation == kReadProductVersion) {
-    platform::ProductVersion version;
-    platform.ReadProductVersion(call.path.c_str(), version);
-  } else if (operation == kLibraryPath) {
-    std::vector<char> buffer(call.size);
-    platform.LibraryPath(buffer.data(), call.size);
-  } else if (operation == kModuleName) {
-    platform.ModuleName();
-  } else if (operation == kProgramDataFolder) {
-    platform.ProgramDataFolder();
-  } else if (operation == kFormatSystemMessage) {
-    std::vector<char> buffer(call.size);
-    platform.FormatSystemMessage(call.code, buffer.data(), call.size);
-  } else if (operation == kNow) {
-    platform.Now();
-  } else if (operation == kLocalTimeValue) {
-    platform.LocalTimeValue(call.calendarTime);
-  } else if (operation == kReportInvalidParameter) {
-    platform.ReportInvalidParameter();
-  } else if (operation == kBatterySource) {
-    platform.BatterySource();
-  } else if (operation == kDriverStateOfCharge) {
-    platform.DriverStateOfCharge(call.slot);
-  }
-}
-
-void Repeat(platform::Platform& platform, const RecordedCall& call) {
-  if (call.operation == kSendBiosCommand) {
-    Block output{};
-    std::uint32_t returnCode = 0;
-    platform.SendBiosCommand(call.command[0], call.command[1], call.command[2], call.input.data(),
-                             static_cast<std::uint32_t>(call.input.size()), output.data(), &returnCode);
-  } else if (call.operation == kConnectWmi) {
-    std::unique_ptr<platform::WmiConnection> connection;
-    platform.ConnectWmi(ToWide(call.argument), connection);
-  } else if (call.operation == kQuery) {
-    RepeatQuery(platform, call);
-  } else {
-    RepeatOnSystem(platform, call);
-  }
-  if (call.outcome.left.has_value()) {
-    platform.LastSystemCode();
-  }
-}
-
 }  // namespace
 
 RecordedCall RepeatedCall(platform::Platform& platform, const RecordedCall& call) {
-  MachineRecorder recorder(platform);
-  Repeat(recorder, call);
-  std::vector<RecordedCall> calls = RecordedCalls(recorder);
+  const auto tape = std::make_shared<Tape>();
+  Interceptor recorder(platform, RecordingHook(tape));
+  const OperationRow* const row = FindOperation(call.operation);
+  if (call.operation == kQuery) {
+    RepeatQuery(recorder, call);
+  } else if (row != nullptr && row->ask != nullptr) {
+    row->ask(recorder, call);
+  }
+  if (call.outcome.left.has_value()) {
+    recorder.LastSystemCode();
+  }
+  std::vector<RecordedCall> calls = tape->Calls();
   return calls.empty() ? RecordedCall() : std::move(calls.back());
 }
 

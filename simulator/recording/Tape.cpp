@@ -3,15 +3,25 @@
 #include <algorithm>
 #include <utility>
 
-#include "calls/OperationText.h"
+#include "calls/Operations.h"
 #include "machine/Text.h"
 
 namespace norv::simulator {
 
-std::size_t Tape::Begin(RecordedCall call) {
+void Tape::Note(const Call& call) {
+  const std::lock_guard lock(mutex_);
+  operations_.push_back({std::string(call.operation), call.argument});
+}
+
+void Tape::ForgetOperations() {
+  const std::lock_guard lock(mutex_);
+  operations_.clear();
+}
+
+std::size_t Tape::Begin(const Call& call) {
   const std::lock_guard lock(mutex_);
   last_[std::this_thread::get_id()] = calls_.size();
-  calls_.push_back(std::move(call));
+  calls_.emplace_back(RecordedCall{call});
   return calls_.size() - 1;
 }
 

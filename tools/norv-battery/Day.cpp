@@ -2,28 +2,18 @@
 
 #include <chrono>
 
-#include "base/Digits.h"
+#include "base/Time.h"
 
 namespace norv::tool {
 
-namespace {
-
-// The digits of `text` as a number; nothing where anything else stands.
-std::optional<int> Number(std::string_view text) {
-  return base::AreDigits(text) ? std::optional(base::ReadDigits(text)) : std::nullopt;
-}
-
-}  // namespace
-
 std::optional<Day> ParseDay(std::string_view text) {
-  if (text.size() != 10 || text[4] != '-' || text[7] != '-') {
+  const auto digits = base::ReadDateDigits(text);
+  if (!digits) {
     return std::nullopt;
   }
-  const auto year = Number(text.substr(0, 4));
-  const auto month = Number(text.substr(5, 2));
-  const auto day = Number(text.substr(8, 2));
-  const bool isDay = year && month && day && *month >= 1 && *month <= 12 && *day >= 1 && *day <= 31;
-  return isDay ? std::optional(Day{*year, *month, *day}) : std::nullopt;
+  const auto [year, month, day] = *digits;
+  const bool isDay = month >= 1 && month <= 12 && day >= 1 && day <= 31;
+  return isDay ? std::optional(Day{year, month, day}) : std::nullopt;
 }
 
 bool Exists(const Day& day) {

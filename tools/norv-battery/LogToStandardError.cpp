@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/Time.h"
 #include "battery/NorvSharedInitializeLogger.h"
 #include "output/EscapeText.h"
 #include "output/StandardStreams.h"
-#include "output/TimeText.h"
 
 namespace norv::tool {
 
@@ -46,7 +46,7 @@ std::string_view SeverityName(plog::Severity severity) {
 class StandardErrorAppender : public plog::IAppender {
  public:
   void write(const plog::Record& record) override {
-    std::string line = TimeText(record.getTime().time) + ' ';
+    std::string line = base::TimeText(record.getTime().time) + ' ';
     line += SeverityName(record.getSeverity());
     line += ": ";
     if (record.getObject() != nullptr) {

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "PowerSupply.h"
+#include "base/Time.h"
 #include "output/EscapeText.h"
-#include "output/TimeText.h"
 
 namespace norv::tool {
 
@@ -34,7 +34,7 @@ const char* KindName(const std::string& kind) {
 
 std::optional<std::string> ClockText(const SimulatedMachine& machine) {
   const auto time = machine.Clock();
-  return time ? std::optional(TimeText(*time)) : std::nullopt;
+  return time ? std::optional(base::TimeText(*time)) : std::nullopt;
 }
 
 // A recording stands for the machine that it was made of.

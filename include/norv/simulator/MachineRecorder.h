@@ -12,9 +12,6 @@
 
 namespace norv::simulator {
 
-class Tape;
-struct RecordedCall;
-
 // Which machine a recording was made of. A report of the recording names that machine, and not the file.
 struct Origin {
   std::string kind = "machine";  // "machine" (the running one), "sample", "file"; "folder", "listing" (of a driver)
@@ -56,28 +53,11 @@ class MachineRecorder : public platform::PlatformWrapper {
   // The machine file of everything asked so far, in UTF-8. To be called while no other thread uses the platform.
   std::string MachineText(const RecordingOptions& options = {}) const;
 
-  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
-                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
-                               std::uint32_t* returnCode) override;
-  long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<platform::WmiConnection>& connection) override;
-  bool RunProgram(const char* path) override;
-  bool ReadProductVersion(const char* path, platform::ProductVersion& version) override;
-  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override;
-  std::wstring ModuleName() override;
-  std::optional<std::string> ProgramDataFolder() override;
-  std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override;
-  std::uint32_t LastSystemCode() override;
-  void ReportInvalidParameter() override;
-  std::time_t Now() override;
-  std::time_t LocalTimeValue(const std::tm& calendarTime) override;
-  std::string BatterySource() override;
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
-
  private:
-  class Connection;
-  friend std::vector<RecordedCall> RecordedCalls(const MachineRecorder& recorder);
+  struct Parts;
+  explicit MachineRecorder(std::unique_ptr<Parts> parts);
 
-  std::shared_ptr<Tape> tape_;
+  std::unique_ptr<Parts> parts_;
 };
 
 }  // namespace norv::simulator

@@ -43,28 +43,11 @@ class OperationRecorder : public platform::PlatformWrapper {
   // Drops the notes.
   void Clear();
 
-  std::int32_t SendBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,
-                               const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
-                               std::uint32_t* returnCode) override;
-  long ConnectWmi(const std::wstring& namespacePath, std::unique_ptr<platform::WmiConnection>& connection) override;
-  bool RunProgram(const char* path) override;
-  bool ReadProductVersion(const char* path, platform::ProductVersion& version) override;
-  std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override;
-  std::wstring ModuleName() override;
-  std::optional<std::string> ProgramDataFolder() override;
-  std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override;
-  std::uint32_t LastSystemCode() override;
-  void ReportInvalidParameter() override;
-  std::time_t Now() override;
-  std::time_t LocalTimeValue(const std::tm& calendarTime) override;
-  std::string BatterySource() override;
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
-
  private:
-  class Notes;
-  class Connection;
+  struct Parts;
+  explicit OperationRecorder(std::unique_ptr<Parts> parts);
 
-  std::shared_ptr<Notes> notes_;
+  std::unique_ptr<Parts> parts_;
 };
 
 }  // namespace norv::simulator

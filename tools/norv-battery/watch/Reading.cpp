@@ -1,8 +1,8 @@
 #include "watch/Reading.h"
 
+#include "base/Time.h"
 #include "json/Describe.h"
 #include "json/Parse.h"
-#include "output/TimeText.h"
 #include "report/WriteReport.h"
 
 namespace norv::tool {
@@ -36,7 +36,7 @@ void Compare(const std::string& path, const Value& before, const Value& after, s
 
 Reading MakeReading(unsigned int number, std::time_t now, const Report& report) {
   const Value whole = json::Parse(JsonReport(report));
-  return {number, TimeText(now), {{"batteries", whole["batteries"]}, {"readError", whole["readError"]}}};
+  return {number, base::TimeText(now), {{"batteries", whole["batteries"]}, {"readError", whole["readError"]}}};
 }
 
 std::vector<Change> FindChanges(const Reading& before, const Reading& after) {
