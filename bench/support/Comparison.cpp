@@ -1,11 +1,11 @@
 #include "Comparison.h"
 
 #include <cstddef>
+#include <mutex>
 #include <sstream>
 #include <tuple>
 
 #include "battery/NorvBatteryInfo.h"
-#include "report/ReadReport.h"
 
 namespace norv::bench {
 
@@ -24,20 +24,23 @@ plain::PlainStatus ReadStatus(const NorvBatteryInfo& battery) {
        status.reservedBit13, status.terminateChargeAlarm, status.overChargedAlarm}};
 }
 
+// Their buffers are shared with every thread.
 void ReadCtFields(const NorvBatteryInfo& battery, PlainRecord& record) {
-  const tool::CtFields fields = tool::ReadCtFields(battery);
-  record.ctAssembly = fields.assembly;
-  record.ctRevision = fields.revision;
-  record.ctSupplier = fields.supplier;
-  record.ctManufacturingWeek = fields.manufacturingWeek;
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  record.ctAssembly = battery.GetCtAssembly();
+  record.ctRevision = battery.GetCtRevision();
+  record.ctSupplier = battery.GetCtSupplier();
+  record.ctManufacturingWeek = battery.GetCtMfgWeek();
 }
 
-// Validity before age: the error that GetAge leaves would make the record invalid.
+// Validity before age: the error that GetAge leaves would make the record invalid. Failures of the age, and only they,
+// name their operation.
 void ReadValidityAndAge(NorvBatteryInfo& battery, PlainRecord& record) {
   record.isValid = battery.IsValid();
   record.defect = battery.GetError().GetMessageText();
   record.age = battery.GetAge();
-  if (tool::IsAgeFailure(battery.GetError())) {
+  if (*battery.GetError().GetFunctionText() != '\0') {
     record.ageError = battery.GetError().GetMessageText();
   }
 }

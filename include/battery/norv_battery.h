@@ -13,7 +13,8 @@
  * NORV_BATTERY_BUFFER_TOO_SMALL, `needed`, and an empty text where there is room for one.
  *
  * Structures.  The host writes sizeof the structure into the member `size` before it passes one, so that structures may
- * grow. A size that this library does not know, 0 or one of a later version, gives NORV_BATTERY_INVALID_SIZE.
+ * grow. The sizes of all versions up to this one are known; a structure of an earlier one lacks the members that came
+ * later. A size that this library does not know, 0 or one of a later version, gives NORV_BATTERY_INVALID_SIZE.
  *
  * Threads.  One thread at a time uses a handle, and a collection and its records count as one handle. Different handles
  * may be used in parallel. What takes no handle may be called from any thread at any time. A handle that another
@@ -279,7 +280,8 @@ enum norv_battery_state {
   NORV_BATTERY_VALUE = 0,
   NORV_BATTERY_ABSENT = 1,  /* there is none: an empty text, no cell swell protection data, no battery test */
   NORV_BATTERY_UNKNOWN = 2, /* the firmware gave a code without a meaning */
-  NORV_BATTERY_INVALID = 3  /* no such thing can be: a date with a month of 15, a wrong size, a divisor of zero */
+  NORV_BATTERY_INVALID = 3, /* no such thing can be: a date with a month of 15, a wrong size, a divisor of zero */
+  NORV_BATTERY_NOT_TOLD = 4 /* where this record was read nobody knows this field: the answer stands for nothing */
 };
 
 /* Where a field comes from. */
@@ -302,6 +304,9 @@ typedef struct norv_battery_description {
   char name[48];   /* lower-case ASCII words with a blank between, "full charge capacity"; no two fields share one */
   char unit[16]; /* as the Smart Battery Data Specification has it, "mV"; empty where there is none. Firmware that does
                     not follow that standard means something else. */
+  char key[32];  /* in a report as JSON, "fullChargeCapacity"; "voltages[0]" is the first item of the list "voltages" */
+  char group[24]; /* the JSON object that it lies in, "capacity"; "status.flags" lies in "status" */
+  char label[48]; /* for people, "Full charge capacity" */
 } norv_battery_description;
 
 typedef struct norv_battery_value {

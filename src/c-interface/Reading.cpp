@@ -1,7 +1,6 @@
 // Records, and what is read from them.
 #include <algorithm>
-#include <array>
-#include <charconv>
+#include <cstddef>
 #include <memory>
 #include <new>
 #include <span>
@@ -14,90 +13,81 @@
 #include "c-interface/Handles.h"
 #include "c-interface/Interface.h"
 #include "c-interface/Texts.h"
+#include "fields/Catalogue.h"
 #include "record/OperatingSystemRates.h"
 
 using norv::firmware::kBlockSize;
 using norv::shared::battery::NorvBatteryInfo;
-using norv::shared::battery::c_interface::Answer;
 using norv::shared::battery::c_interface::CheckStructure;
 using norv::shared::battery::c_interface::CopyErrorText;
 using norv::shared::battery::c_interface::CopyText;
 using norv::shared::battery::c_interface::FieldFailure;
-using norv::shared::battery::c_interface::FieldRow;
-using norv::shared::battery::c_interface::Fields;
 using norv::shared::battery::c_interface::FindField;
 using norv::shared::battery::c_interface::Guarded;
-using norv::shared::battery::c_interface::ReadTest;
+using norv::shared::battery::c_interface::ReadField;
+using norv::shared::battery::c_interface::Reading;
 using norv::shared::battery::c_interface::Release;
 using norv::shared::battery::c_interface::Using;
 using norv::shared::battery::c_interface::WriteError;
+using norv::shared::battery::fields::kCatalogue;
+using norv::shared::battery::fields::Row;
 using norv::shared::battery::record::WithoutOperatingSystemRates;
 
 static_assert(NORV_BATTERY_BLOCK_SIZE == kBlockSize);
 
 namespace {
 
-// Independent of the process's locale, which printf is not.
-template <typename Value, typename... Format>
-std::string FormatNumber(Value value, Format... format) {
-  std::array<char, 400> digits{};  // a double has up to 309 before its point
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, format...).ptr;
-  return {digits.data(), end};
-}
-
-std::string FormatAnswer(const Answer& answer, norv_battery_kind kind) {
-  switch (kind) {
-    case NORV_BATTERY_NUMBER:
-      return FormatNumber(answer.number);
-    case NORV_BATTERY_REAL:
-      return FormatNumber(answer.real, std::chars_format::fixed, 3);
-    case NORV_BATTERY_FLAG:
-      return answer.number != 0 ? "true" : "false";
-    default:
-      return answer.text;
-  }
-}
-
-void WriteValue(const FieldRow& row, const Answer& answer, const std::string& text, norv_battery_value& value) {
-  value.field = row.field;
+void WriteValue(const Row& row, const Reading& reading, norv_battery_value& value) {
+  value.field = row.number;
   value.kind = row.kind;
-  value.state = answer.state;
-  value.number = answer.number;
-  value.real = answer.real;
-  value.textSize = text.size() + 1;
+  value.state = reading.state;
+  value.number = reading.number;
+  value.real = reading.real;
+  value.textSize = reading.text.size() + 1;
 }
 
-norv_battery_status WriteAnswer(const FieldRow& row, const Answer& answer, norv_battery_value& value, char* text,
-                                std::size_t textBufferSize) {
-  const std::string formatted = FormatAnswer(answer, row.kind);
-  WriteValue(row, answer, formatted, value);
-  return CopyText(formatted, text, textBufferSize, nullptr);
+norv_battery_status WriteReading(const Row& row, const Reading& reading, norv_battery_value& value, char* text,
+                                 std::size_t textBufferSize) {
+  WriteValue(row, reading, value);
+  return CopyText(reading.text, text, textBufferSize, nullptr);
 }
 
-void WriteDescription(const FieldRow& row, norv_battery_description& description) {
-  description = {};
-  description.size = sizeof description;
-  description.field = row.field;
+template <std::size_t Size>
+void Put(std::string_view text, char (&member)[Size]) {
+  std::fill_n(member, Size, '\0');
+  text.copy(member, Size - 1);
+}
+
+// A host of an earlier version has no room for what came later.
+constexpr std::uint32_t kDescriptionWithoutKey = offsetof(norv_battery_description, key);
+
+void WriteDescription(const Row& row, norv_battery_description& description) {
+  description.field = row.number;
   description.kind = row.kind;
   description.source = row.source;
   description.offset = static_cast<std::uint32_t>(row.place.offset);
   description.width = static_cast<std::uint32_t>(row.place.width);
   description.bit = row.bit;
-  std::string_view(row.name).copy(description.name, sizeof description.name - 1);
-  std::string_view(row.unit).copy(description.unit, sizeof description.unit - 1);
+  Put(row.name, description.name);
+  Put(row.unit, description.unit);
+  if (description.size > kDescriptionWithoutKey) {
+    Put(row.key, description.key);
+    Put(row.group->key, description.group);
+    Put(row.label, description.label);
+  }
 }
 
 // Runs operation(row), which uses `handle`, with the row of a field that there is.
 template <typename Handle, typename Operation>
 norv_battery_status UsingField(Handle* handle, std::int32_t field, Operation operation) {
   return Using(handle, [=] {
-    const FieldRow* const row = FindField(field);
+    const Row* const row = FindField(field);
     return row != nullptr ? operation(*row) : static_cast<norv_battery_status>(NORV_BATTERY_UNKNOWN_FIELD);
   });
 }
 
 // The bytes that a field is read from; none where it is not one place of a block that is there.
-std::span<const std::uint8_t> Bytes(const norv_battery_record& record, const FieldRow& row) {
+std::span<const std::uint8_t> Bytes(const norv_battery_record& record, const Row& row) {
   if (row.source == NORV_BATTERY_FROM_CELL_SWELL_BLOCK) {
     return record.cellSwell ? std::span(*record.cellSwell).subspan(row.place.offset, row.place.width)
                             : std::span<const std::uint8_t>();
@@ -148,16 +138,16 @@ std::unique_ptr<norv_battery_record> Decode(const std::uint8_t* block, const std
   return record;
 }
 
-norv_battery_status Visit(const norv_battery_record& record, const FieldRow& row, norv_battery_visitor visitor,
+norv_battery_status Visit(const norv_battery_record& record, const Row& row, norv_battery_visitor visitor,
                           void* context) {
-  const Answer answer = row.read(record);
-  const std::string text = FormatAnswer(answer, row.kind);
-  norv_battery_description description;
+  const Reading reading = ReadField(record, row);
+  norv_battery_description description{};
+  description.size = sizeof description;
   WriteDescription(row, description);
   norv_battery_value value{};
   value.size = sizeof value;
-  WriteValue(row, answer, text, value);
-  return visitor(context, &description, &value, text.c_str()) == 0 ? NORV_BATTERY_OK : NORV_BATTERY_STOPPED;
+  WriteValue(row, reading, value);
+  return visitor(context, &description, &value, reading.text.c_str()) == 0 ? NORV_BATTERY_OK : NORV_BATTERY_STOPPED;
 }
 
 }  // namespace
@@ -182,13 +172,17 @@ norv_battery_status norv_battery_release(norv_battery_record* record) {
 }
 
 int32_t norv_battery_field_count(void) {
-  return static_cast<std::int32_t>(Fields().size());
+  return static_cast<std::int32_t>(kCatalogue.size());
 }
 
 norv_battery_status norv_battery_describe_field(int32_t field, norv_battery_description* description) {
-  const FieldRow* const row = FindField(field);
+  const Row* const row = FindField(field);
   if (row == nullptr) {
     return NORV_BATTERY_UNKNOWN_FIELD;
+  }
+  if (description != nullptr && description->size == kDescriptionWithoutKey) {
+    WriteDescription(*row, *description);
+    return NORV_BATTERY_OK;
   }
   const norv_battery_status status = CheckStructure(description);
   if (status == NORV_BATTERY_OK) {
@@ -199,15 +193,16 @@ norv_battery_status norv_battery_describe_field(int32_t field, norv_battery_desc
 
 norv_battery_status norv_battery_read_field(const norv_battery_record* record, int32_t field, norv_battery_value* value,
                                             char* text, size_t textBufferSize) {
-  return UsingField(record, field, [=](const FieldRow& row) {
+  return UsingField(record, field, [=](const Row& row) {
     const norv_battery_status status = CheckStructure(value);
-    return status == NORV_BATTERY_OK ? WriteAnswer(row, row.read(*record), *value, text, textBufferSize) : status;
+    return status == NORV_BATTERY_OK ? WriteReading(row, ReadField(*record, row), *value, text, textBufferSize)
+                                     : status;
   });
 }
 
 norv_battery_status norv_battery_read_test(const norv_battery_collection* collection, int32_t field,
                                            norv_battery_value* value, char* text, size_t textBufferSize) {
-  return UsingField(collection, field, [=](const FieldRow& row) {
+  return UsingField(collection, field, [=](const Row& row) {
     const norv_battery_status status = CheckStructure(value);
     if (status != NORV_BATTERY_OK) {
       return status;
@@ -215,26 +210,26 @@ norv_battery_status norv_battery_read_test(const norv_battery_collection* collec
     if (row.source != NORV_BATTERY_FROM_BATTERY_TEST) {
       return static_cast<norv_battery_status>(NORV_BATTERY_UNKNOWN_FIELD);
     }
-    return WriteAnswer(row, ReadTest(row.field, *collection->test), *value, text, textBufferSize);
+    return WriteReading(row, ReadField(*collection->test, row), *value, text, textBufferSize);
   });
 }
 
 norv_battery_status norv_battery_read_bytes(const norv_battery_record* record, int32_t field, uint8_t* buffer,
                                             size_t bufferSize, size_t* needed) {
   return UsingField(record, field,
-                    [=](const FieldRow& row) { return CopyBytes(Bytes(*record, row), buffer, bufferSize, needed); });
+                    [=](const Row& row) { return CopyBytes(Bytes(*record, row), buffer, bufferSize, needed); });
 }
 
 norv_battery_status norv_battery_field_error(const norv_battery_record* record, int32_t field,
                                              norv_battery_error* error) {
   return UsingField(record, field,
-                    [=](const FieldRow& row) { return WriteError(FieldFailure(*record, row.field), error); });
+                    [=](const Row& row) { return WriteError(FieldFailure(*record, row.number), error); });
 }
 
 norv_battery_status norv_battery_field_error_text(const norv_battery_record* record, int32_t field, int32_t part,
                                                   char* buffer, size_t bufferSize, size_t* needed) {
-  return UsingField(record, field, [=](const FieldRow& row) {
-    return CopyErrorText(FieldFailure(*record, row.field), part, buffer, bufferSize, needed);
+  return UsingField(record, field, [=](const Row& row) {
+    return CopyErrorText(FieldFailure(*record, row.number), part, buffer, bufferSize, needed);
   });
 }
 
@@ -242,7 +237,7 @@ norv_battery_status norv_battery_for_each_field(const norv_battery_record* recor
                                                 void* context) {
   return Using(record, [=] {
     norv_battery_status status = visitor != nullptr ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
-    for (const FieldRow& row : Fields()) {
+    for (const Row& row : kCatalogue) {
       if (status != NORV_BATTERY_OK) {
         break;
       }

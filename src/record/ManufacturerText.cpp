@@ -142,12 +142,9 @@ const char* DesignCycleCount(std::string_view manufacturer) {
   return Find(kDesignCycleCounts, CodeAt(manufacturer, &Shape::cycleCount));
 }
 
-std::optional<char> CalibrationType(std::string_view manufacturer) {
+std::string_view CalibrationType(std::string_view manufacturer) {
   const Shape* shape = FindShape(manufacturer);
-  if (shape == nullptr || !shape->calibration) {
-    return std::nullopt;
-  }
-  return manufacturer[*shape->calibration];
+  return shape != nullptr && shape->calibration ? manufacturer.substr(*shape->calibration, 1) : std::string_view();
 }
 
 std::optional<int> FindOverCurrentProtection(std::string_view manufacturer, int designCapacity) {

@@ -14,8 +14,8 @@ const char* CellSupplier(std::string_view manufacturer);
 const char* WarrantyType(std::string_view manufacturer);
 const char* DesignCycleCount(std::string_view manufacturer);
 
-// Nothing where the text has no shape, or one without a calibration type.
-std::optional<char> CalibrationType(std::string_view manufacturer);
+// One character of the text; none where the text has no shape, or one without a calibration type.
+std::string_view CalibrationType(std::string_view manufacturer);
 
 // In the unit of `designCapacity`; nothing for a code without a meaning.
 std::optional<int> FindOverCurrentProtection(std::string_view manufacturer, int designCapacity);

@@ -257,8 +257,7 @@ const char* NorvBatteryInfo::GetCellSupplier() const {
 }
 
 std::string NorvBatteryInfo::GetCalibrationType() const {
-  const auto type = record::CalibrationType(GetManufacturer());
-  return type ? std::string(1, *type) : std::string();
+  return std::string(record::CalibrationType(GetManufacturer()));
 }
 
 int NorvBatteryInfo::GetOverCurrentProtection() const {

@@ -5,18 +5,30 @@ namespace norv::tool {
 BatteryReport MakeBattery(int slot) {
   BatteryReport battery;
   battery.slot = slot;
-  battery.identity = {"123-45-67-A", "HT03XL", "BATT002021-05-06", "6ABCDEFGHIJKLM"};
-  battery.capacity.designCapacity = 5000;
-  battery.capacity.fullChargeCapacity = 4500;
-  battery.capacity.fullChargeCapacityPercentage = 90.0F;
-  battery.capacity.remainingCapacity = 3000;
-  battery.capacity.remainingCapacityPercentage = 66.666F;
-  battery.capacity.temperature = 2982;
-  battery.cells = {{3940, 3928, 3932, 0}, 12};
-  battery.status = {0x00C0, "OK", {{"discharging", "discharging", true}, {"initialized", "initialized", true}}};
-  battery.dates = {"2021-05-06T00:00:00+00:00", "1_YEAR", "2022-05-06T00:00:00+00:00", {1122, std::nullopt}};
-  battery.settings = {"Not supported", "Enable"};
-  battery.validity.valid = true;
+  battery[NORV_BATTERY_MANUFACTURER].text = "123-45-67-A";
+  battery[NORV_BATTERY_DEVICE_NAME].text = "HT03XL";
+  battery[NORV_BATTERY_SERIAL_NUMBER].text = "BATT002021-05-06";
+  battery[NORV_BATTERY_CT_NUMBER].text = "6ABCDEFGHIJKLM";
+  battery[NORV_BATTERY_DESIGN_CAPACITY].number = 5000;
+  battery[NORV_BATTERY_FULL_CHARGE_CAPACITY].number = 4500;
+  battery[NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE].real = 90.0;
+  battery[NORV_BATTERY_REMAINING_CAPACITY].number = 3000;
+  battery[NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE].real = 66.666;
+  battery[NORV_BATTERY_TEMPERATURE].number = 2982;
+  battery[NORV_BATTERY_CELL_VOLTAGE_1].number = 3940;
+  battery[NORV_BATTERY_CELL_VOLTAGE_2].number = 3928;
+  battery[NORV_BATTERY_CELL_VOLTAGE_3].number = 3932;
+  battery[NORV_BATTERY_STATUS_WORD].number = 0x00C0;
+  battery[NORV_BATTERY_STATUS_ERROR_CODE].text = "OK";
+  battery[NORV_BATTERY_DISCHARGING].number = 1;
+  battery[NORV_BATTERY_INITIALIZED].number = 1;
+  battery[NORV_BATTERY_MANUFACTURING_DATE].text = "2021-05-06T00:00:00+00:00";
+  battery[NORV_BATTERY_WARRANTY_TYPE].text = "1_YEAR";
+  battery[NORV_BATTERY_WARRANTY_DATE].text = "2022-05-06T00:00:00+00:00";
+  battery[NORV_BATTERY_AGE].number = 1122;
+  battery[NORV_BATTERY_ADAPTIVE_BATTERY_OPTIMIZER].text = "Not supported";
+  battery[NORV_BATTERY_BATTERY_CARE].text = "Enable";
+  battery[NORV_BATTERY_VALID].number = 1;
   return battery;
 }
 

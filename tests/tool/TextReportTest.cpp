@@ -47,8 +47,10 @@ Report WithSlots(bool first, bool second, std::optional<Failure> error) {
 // The line that a report has about the driver's own state of charge, if it has one.
 std::string DriverLine(std::optional<std::uint32_t> driver, std::optional<float> computed) {
   Report report = WithSlots(true, false, std::nullopt);
-  report.batteries[0]->capacity.driverStateOfCharge = driver;
-  report.batteries[0]->capacity.remainingCapacityPercentage = computed;
+  report.batteries[0]->driverStateOfCharge = driver;
+  FieldValue& percentage = (*report.batteries[0])[NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE];
+  percentage.state = computed ? NORV_BATTERY_VALUE : NORV_BATTERY_INVALID;
+  percentage.real = computed.value_or(0);
   const std::string text = TextReport(report);
   const auto start = text.find("  Driver's state of charge        ");
   return start == std::string::npos ? "none" : text.substr(start + 34, text.find('\n', start) - start - 34);
@@ -135,39 +137,41 @@ TEST(TextReport, SettingsAreTheFirstSlotsOnly) {
 TEST(TextReport, TemperatureIsReadOnlyWhereABatteryCanHaveIt) {
   Report report = WithSlots(true, false, std::nullopt);
   EXPECT_THAT(TextReport(report), HasSubstr(" 2982 (25.05 C)\n"));
-  report.batteries[0]->capacity.temperature = 2632;
+  (*report.batteries[0])[NORV_BATTERY_TEMPERATURE].number = 2632;
   EXPECT_THAT(TextReport(report), HasSubstr(" 2632 (-9.95 C)\n"));
-  report.batteries[0]->capacity.temperature = 0;
+  (*report.batteries[0])[NORV_BATTERY_TEMPERATURE].number = 0;
   EXPECT_THAT(TextReport(report), HasSubstr("Temperature                     0\n"));
-  report.batteries[0]->capacity.temperature = 65535;
+  (*report.batteries[0])[NORV_BATTERY_TEMPERATURE].number = 65535;
   EXPECT_THAT(TextReport(report), HasSubstr(" 65535\n"));
 }
 
 TEST(TextReport, FigureThatIsTooLargeIsSaidToBe) {
   Report report = WithSlots(true, false, std::nullopt);
-  report.batteries[0]->capacity.fullChargeCapacityPercentage = std::nullopt;
+  (*report.batteries[0])[NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE].state = NORV_BATTERY_INVALID;
   EXPECT_THAT(TextReport(report), HasSubstr("not computable (the figure is too large)\n"));
 }
 
 TEST(TextReport, AgeThatIsNotKnownHasAReason) {
   Report report = WithSlots(true, false, std::nullopt);
-  Dates& dates = report.batteries[0]->dates;
+  BatteryReport& battery = *report.batteries[0];
   EXPECT_THAT(TextReport(report), HasSubstr(" 1122 days, by the date at the end of the serial number\n"));
-  dates.age = {19000, Failure{5, -1, "Invalid battery serial number", "int", "GetAge"}};
+  battery[NORV_BATTERY_AGE].number = 19000;
+  battery.ageFailure = Failure{5, -1, "Invalid battery serial number", "int", "GetAge"};
   EXPECT_THAT(TextReport(report), HasSubstr("not known (the serial number does not end in a date)\n"));
-  dates.age = {-1, Failure{2, 1, "out of memory", "std::bad_alloc", "GetAge"}};
+  battery[NORV_BATTERY_AGE].number = -1;
+  battery.ageFailure = Failure{2, 1, "out of memory", "std::bad_alloc", "GetAge"};
   EXPECT_THAT(TextReport(report), HasSubstr("not known (out of memory)\n"));
-  report.batteries[0]->identity.serialNumber = "123";
+  battery[NORV_BATTERY_SERIAL_NUMBER].text = "123";
   EXPECT_THAT(TextReport(report), HasSubstr("not known (the serial number has fewer than 16 characters)\n"));
 }
 
 TEST(TextReport, MissingDatesAreSaidToBe) {
   Report report = WithSlots(true, false, std::nullopt);
-  Dates& dates = report.batteries[0]->dates;
+  BatteryReport& battery = *report.batteries[0];
   EXPECT_THAT(TextReport(report), HasSubstr("Warranty date                   2022-05-06\n"));
-  dates.warrantyDate.clear();
+  battery[NORV_BATTERY_WARRANTY_DATE].text.clear();
   EXPECT_THAT(TextReport(report), HasSubstr("Warranty date                   not known (no such day)\n"));
-  dates.manufacturingDate.clear();
+  battery[NORV_BATTERY_MANUFACTURING_DATE].text.clear();
   EXPECT_THAT(TextReport(report),
               HasSubstr("Manufacturing date              not known (the firmware's date does not exist)\n"));
 }
@@ -183,18 +187,18 @@ TEST(TextReport, ErrorShowsItsMessageOnOneLine) {
 
 TEST(TextReport, VerdictInPlainWords) {
   Report report = WithSlots(true, false, std::nullopt);
-  report.test = TestReport{{0x41, "FAIL_TEMPERATURE_ALARM", "1.2.3.4"}, std::nullopt};
+  report.test = TestReport{0x41, "FAIL_TEMPERATURE_ALARM", "1.2.3.4", std::nullopt};
   const std::string text = TextReport(report);
   EXPECT_THAT(text, HasSubstr("65 (0x41)\n"));
   EXPECT_THAT(text, HasSubstr("FAIL: the battery has failed the test\n"));
   EXPECT_THAT(text, HasSubstr("Qualifier                       temperature alarm\n"));
-  report.test->verdict = {0x50, "NOT_DEFINED", "1.2.3.4"};
+  report.test = TestReport{0x50, "NOT_DEFINED", "1.2.3.4", std::nullopt};
   EXPECT_THAT(TextReport(report), HasSubstr("Verdict                         none: the code is not defined\n"));
 }
 
 TEST(TextReport, TestWithoutVerdictHasOneReason) {
   Report report = WithSlots(true, false, std::nullopt);
-  report.test = TestReport{{std::nullopt, "NOT_DEFINED", "1.2.3.4"}, MakeFailure(5, -1, "RunBatteryTest")};
+  report.test = TestReport{std::nullopt, "NOT_DEFINED", "1.2.3.4", MakeFailure(5, -1, "RunBatteryTest")};
   EXPECT_THAT(TextReport(report),
               AllOf(HasSubstr("Reason                          the test program left no report with a status that is a "
                               "number\n"),

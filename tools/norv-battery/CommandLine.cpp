@@ -38,10 +38,10 @@ std::string SampleList() {
 }
 
 int StatusOf(const Report& report) {
-  if (report.test && !ExplainResult(report.test->verdict.result)) {
+  if (report.test && !ExplainResult(report.test->result)) {
     return kNoVerdict;
   }
-  if (report.test && IsFailure(report.test->verdict.result)) {
+  if (report.test && IsFailure(report.test->result)) {
     return kTestFailed;
   }
   return report.HasBattery() ? kSuccess : kNoBattery;

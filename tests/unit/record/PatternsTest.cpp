@@ -87,7 +87,7 @@ std::string TrailingDateByCode(const std::string& text) {
 std::string DecodedByCode(std::string_view text) {
   const auto calibration = CalibrationType(text);
   return std::string(WarrantyType(text)) + " " + DesignCycleCount(text) + " " + PackSupplier(text) + " " +
-         CellSupplier(text) + " " + (calibration ? std::string(1, *calibration) : "none") + " " +
+         CellSupplier(text) + " " + (calibration.empty() ? "none" : std::string(calibration)) + " " +
          std::to_string(OverCurrentProtection(text, 1000));
 }
 

@@ -5,12 +5,14 @@
 #include <string>
 
 #include "battery/NorvBatteryInfo.h"
-#include "decode/BatteryFields.h"
 #include "decode/BlockReader.h"
 #include "decode/CsvSink.h"
 #include "decode/JsonSink.h"
+#include "output/BatteryFields.h"
 #include "output/EscapeText.h"
 #include "output/TextLines.h"
+#include "report/AskedBattery.h"
+#include "report/ReadReport.h"
 #include "report/TextBattery.h"
 
 namespace norv::tool {
@@ -26,12 +28,20 @@ void WriteOrigin(Sink& sink, const RowOrigin& origin) {
   sink.Utf8("id", origin.id);
 }
 
+// Whether it can be trusted comes before what a block says.
+template <typename Sink>
+void WriteBattery(Sink& sink, const AskedBattery& battery) {
+  const auto isValidity = [](const fields::Group& group) { return &group == &fields::kValidity; };
+  WriteGroups(sink, battery, isValidity);
+  WriteGroups(sink, battery, [=](const fields::Group& group) { return !isValidity(group); });
+}
+
 template <typename Sink>
 void WriteFields(Sink sink, const RowOrigin& origin, NorvBatteryInfo& battery) {
   sink.BeginRow();
   WriteOrigin(sink, origin);
   sink.Null("rowError");
-  WriteBattery(sink, battery);
+  WriteBattery(sink, AskedBattery(battery));
   sink.EndRow();
 }
 
@@ -51,7 +61,7 @@ std::string TextHeading(const RowOrigin& origin) {
 void WriteText(const RowOrigin& origin, NorvBatteryInfo& battery, OutputBuffer& output) {
   TextLines lines;
   lines.Heading(TextHeading(origin));
-  AddBlock(lines, ReadBlock(battery));
+  AddBlock(lines, ReadBattery(0, battery));
   output.Append(lines.Text());
 }
 

@@ -1,8 +1,12 @@
 #include <cmath>
-#include <type_traits>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "base/Utf8.h"
 #include "json/Write.h"
+#include "output/BatteryFields.h"
 #include "report/Verdict.h"
 #include "report/WriteReport.h"
 
@@ -28,119 +32,95 @@ Value FailureJson(const std::optional<Failure>& failure) {
   };
 }
 
-Object IdentityJson(const Identity& identity) {
-  return {
-      {"manufacturer", BytesToUtf8(identity.manufacturer)},
-      {"deviceName", BytesToUtf8(identity.deviceName)},
-      {"serialNumber", BytesToUtf8(identity.serialNumber)},
-      {"ctNumber", BytesToUtf8(identity.ctNumber)},
-  };
-}
+// Writes the members of objects within objects.
+class ObjectSink {
+ public:
+  explicit ObjectSink(Object& object) : objects_{&object} {}
 
-// A record's percentages have three decimals, which a float only comes near to; written as a double it would show more.
-Value PercentageJson(std::optional<float> percentage) {
-  return percentage ? Value(std::round(static_cast<double>(*percentage) * 1000.0) / 1000.0) : Value();
-}
-
-Object CapacityJson(const Capacity& capacity) {
-  return {
-      {"designCapacity", capacity.designCapacity},
-      {"fullChargeCapacity", capacity.fullChargeCapacity},
-      {"fullChargeCapacityPercentage", PercentageJson(capacity.fullChargeCapacityPercentage)},
-      {"remainingCapacity", capacity.remainingCapacity},
-      {"remainingCapacityPercentage", PercentageJson(capacity.remainingCapacityPercentage)},
-      {"maxError", capacity.maxError},
-      {"cycleCount", capacity.cycleCount},
-      {"designVoltage", capacity.designVoltage},
-      {"voltage", capacity.voltage},
-      {"current", capacity.current},
-      {"temperature", capacity.temperature},
-      {"chargeRate", capacity.chargeRate},
-      {"dischargeRate", capacity.dischargeRate},
-      {"driverStateOfCharge", capacity.driverStateOfCharge},
-      {"driverStateOfChargeDiffers", DriverDisagrees(capacity)},
-  };
-}
-
-Object CellsJson(const Cells& cells) {
-  return {{"voltages", json::ToArray(cells.voltages)}, {"spread", cells.spread}};
-}
-
-template <typename Type>
-Object NamedJson(const std::vector<Named<Type>>& values) {
-  Object object;
-  for (const auto& value : values) {
-    object[value.key] = value.value;
+  void Open(std::string_view key) {
+    Value& member = (*objects_.back())[key];
+    member = Object();
+    objects_.push_back(member.As<Object>());
   }
-  return object;
-}
+  void Close() { objects_.pop_back(); }
 
-Object StatusJson(const Status& status) {
-  return {{"word", status.word}, {"errorCode", status.errorCode}, {"flags", NamedJson(status.flags)}};
-}
+  void Number(std::string_view key, Value value) { Member(key, std::move(value)); }
+  void Numbers(std::string_view key, const auto& values) { Member(key, json::ToArray(values)); }
+  void Boolean(std::string_view key, bool value) { Member(key, value); }
+  void Null(std::string_view key) { Member(key, nullptr); }
+  void Bytes(std::string_view key, const std::string& bytes) { Member(key, BytesToUtf8(bytes)); }
+  void Utf8(std::string_view key, const std::string& text) { Member(key, text); }
+  // A record's percentages have three decimals, which a float only comes near to; written as a double it would show
+  // more.
+  void Percentage(std::string_view key, std::optional<float> value) {
+    Member(key, std::round(static_cast<double>(*value) * 1000.0) / 1000.0);
+  }
+  void Failure(std::string_view key, const std::optional<tool::Failure>& failure) { Member(key, FailureJson(failure)); }
 
-Object DatesJson(const Dates& dates) {
-  const Age& age = dates.age;
-  return {
-      {"manufacturingDate", dates.manufacturingDate},
-      {"warrantyType", dates.warrantyType},
-      {"warrantyDate", dates.warrantyDate},
-      {"age",
-       Object{
-           {"days", age.error ? Value() : Value(age.value)}, {"value", age.value}, {"error", FailureJson(age.error)}}},
-  };
-}
+ private:
+  void Member(std::string_view key, Value value) { (*objects_.back())[key] = std::move(value); }
 
-Object AttributesJson(const Attributes& attributes) {
-  return {
-      {"packSupplier", attributes.packSupplier},
-      {"cellSupplier", attributes.cellSupplier},
-      {"calibrationType", BytesToUtf8(attributes.calibrationType)},
-      {"overCurrentProtection", attributes.overCurrentProtection},
-      {"designCycleCount", attributes.designCycleCount},
-      {"ctAssembly", BytesToUtf8(attributes.ctAssembly)},
-      {"ctRevision", BytesToUtf8(attributes.ctRevision)},
-      {"ctSupplier", BytesToUtf8(attributes.ctSupplier)},
-      {"ctManufacturingWeek", BytesToUtf8(attributes.ctManufacturingWeek)},
-  };
-}
+  std::vector<Object*> objects_;  // from the outermost on
+};
 
-Object VerdictJson(const TestVerdict& verdict) {
-  return {{"result", verdict.result}, {"label", verdict.label}, {"version", BytesToUtf8(verdict.version)}};
-}
+// A battery of the report, for the writer of battery fields.
+class ReportedBattery {
+ public:
+  explicit ReportedBattery(const BatteryReport& report) : report_(report) {}
+
+  static constexpr bool Has(const fields::Row& /*row*/) { return true; }
+
+  template <std::size_t kIndex>
+  const FieldValue& Get() const {
+    return report_[fields::kCatalogue[kIndex].number];
+  }
+
+  // What a record lacks as a whole has no members.
+  template <std::size_t kFirst>
+  bool IsNull() const {
+    return fields::kCatalogue[kFirst].group == &fields::kCellSwell && Get<kFirst>().state == NORV_BATTERY_ABSENT;
+  }
+
+  // The driver's figure lies beside the block, and is no field of a record.
+  template <std::size_t kFirst, typename Sink>
+  void WriteBeyondCatalogue(Sink& sink) const {
+    if constexpr (fields::kCatalogue[kFirst].group == &fields::kCapacity) {
+      sink.Number("driverStateOfCharge", report_.driverStateOfCharge);
+      sink.Boolean("driverStateOfChargeDiffers", DriverDisagrees(report_));
+    }
+  }
+
+  const std::optional<Failure>& AgeFailure() const { return report_.ageFailure; }
+  const std::optional<Failure>& ValidityFailure() const { return report_.validityFailure; }
+
+ private:
+  const BatteryReport& report_;
+};
 
 Value BatteryJson(const std::optional<BatteryReport>& battery) {
   if (!battery) {
     return nullptr;
   }
-  return Object{
-      {"slot", battery->slot},
-      {"identity", IdentityJson(battery->identity)},
-      {"capacity", CapacityJson(battery->capacity)},
-      {"cells", CellsJson(battery->cells)},
-      {"status", StatusJson(battery->status)},
-      {"dates", DatesJson(battery->dates)},
-      {"attributes", AttributesJson(battery->attributes)},
-      {"settings", Object{{"adaptiveBatteryOptimizer", battery->settings.adaptiveBatteryOptimizer},
-                          {"batteryCare", battery->settings.batteryCare}}},
-      {"cellSwellProtection",
-       battery->cellSwellProtection.empty() ? Value() : Value(NamedJson(battery->cellSwellProtection))},
-      {"batteryTest", VerdictJson(battery->testVerdict)},
-      {"validity", Object{{"valid", battery->validity.valid}, {"error", FailureJson(battery->validity.error)}}},
-  };
+  Object object{{"slot", battery->slot}};
+  ObjectSink sink(object);
+  WriteGroups(sink, ReportedBattery(*battery), [](const fields::Group&) { return true; });
+  return object;
 }
 
 Value TestJson(const std::optional<TestReport>& test) {
   if (!test) {
     return nullptr;
   }
-  Object object = VerdictJson(test->verdict);
-  const auto verdict = ExplainResult(test->verdict.result);
-  object["class"] = verdict ? Value(verdict->verdictClass) : Value();
-  object["meaning"] = verdict ? Value(verdict->meaning) : Value();
-  object["qualifier"] = verdict ? Value(verdict->qualifier) : Value();
-  object["error"] = FailureJson(test->error);
-  return object;
+  const auto verdict = ExplainResult(test->result);
+  return Object{
+      {"result", test->result},
+      {"label", test->label},
+      {"version", BytesToUtf8(test->version)},
+      {"class", verdict ? Value(verdict->verdictClass) : Value()},
+      {"meaning", verdict ? Value(verdict->meaning) : Value()},
+      {"qualifier", verdict ? Value(verdict->qualifier) : Value()},
+      {"error", FailureJson(test->error)},
+  };
 }
 
 }  // namespace

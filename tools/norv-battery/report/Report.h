@@ -7,13 +7,12 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "firmware/BatteryInformationBlock.h"
+#include "fields/Catalogue.h"
+#include "firmware/Block.h"
 
 namespace norv::tool {
 
-using firmware::kCellCount;
 using firmware::kSlotCount;
 
 // The category of a wrong value, or a return code of the BIOS.
@@ -28,107 +27,32 @@ struct Failure {
   std::string function;
 };
 
-// One named value of a group whose names are the same in every report.
-template <typename Value>
-struct Named {
-  const char* key;   // in a JSON report
-  const char* name;  // in a text report
-  Value value;
-};
-
-struct Identity {
-  std::string manufacturer;
-  std::string deviceName;
-  std::string serialNumber;
-  std::string ctNumber;
-};
-
-struct Capacity {
-  int designCapacity = 0;
-  int fullChargeCapacity = 0;
-  std::optional<float> fullChargeCapacityPercentage;  // of the design capacity; nothing where it cannot be computed
-  int remainingCapacity = 0;
-  std::optional<float> remainingCapacityPercentage;  // of the full charge capacity; the same
-  int maxError = 0;
-  int cycleCount = 0;
-  int designVoltage = 0;
-  int voltage = 0;
-  int current = 0;  // negative while the battery discharges
-  int temperature = 0;
-  unsigned int chargeRate = 0;
-  unsigned int dischargeRate = 0;
-  std::optional<std::uint32_t> driverStateOfCharge = std::nullopt;  // percent, the battery driver's own figure
-};
-
-struct Cells {
-  std::array<int, kCellCount> voltages{};
-  std::optional<int> spread;  // nothing when every cell reads 0
-};
-
-struct Status {
-  int word = 0;
-  std::string errorCode;
-  std::vector<Named<bool>> flags;
-};
-
-struct Age {
-  int value = 0;                 // what the accessor gave
-  std::optional<Failure> error;  // why that is not the age
-};
-
-struct Dates {
-  std::string manufacturingDate;
-  std::string warrantyType;
-  std::string warrantyDate;
-  Age age;
-};
-
-struct Attributes {
-  std::string packSupplier;
-  std::string cellSupplier;
-  std::string calibrationType;
-  int overCurrentProtection = 0;
-  std::string designCycleCount;
-  std::string ctAssembly;
-  std::string ctRevision;
-  std::string ctSupplier;
-  std::string ctManufacturingWeek;
-};
-
-struct Settings {
-  std::string adaptiveBatteryOptimizer;
-  std::string batteryCare;
-};
-
-// The verdict of the battery test as an object of the library answers it.
-struct TestVerdict {
-  std::optional<int> result;  // nothing without a verdict
-  std::string label;
-  std::string version;
-};
-
-struct Validity {
-  bool valid = false;
-  std::optional<Failure> error;
+// What a field answered, kept by value.
+struct FieldValue {
+  norv_battery_state state = NORV_BATTERY_VALUE;
+  std::int64_t number = 0;
+  double real = 0;
+  std::string text;  // bytes, unless the field's are UTF-8
 };
 
 struct BatteryReport {
   int slot = 0;
-  Identity identity;
-  Capacity capacity;
-  Cells cells;
-  Status status;
-  Dates dates;
-  Attributes attributes;
-  Settings settings;
-  std::vector<Named<int>> cellSwellProtection;  // empty when the record has none
-  TestVerdict testVerdict;
-  Validity validity;
+  std::array<FieldValue, shared::battery::fields::kCatalogue.size()> fields;
+  std::optional<Failure> ageFailure;                 // why there is no age
+  std::optional<Failure> validityFailure;            // why the record is not valid
+  std::optional<std::uint32_t> driverStateOfCharge;  // percent, the battery driver's own figure
+
+  const FieldValue& operator[](norv_battery_field field) const {
+    return fields.at(static_cast<std::size_t>(field) - 1);
+  }
+  FieldValue& operator[](norv_battery_field field) { return fields.at(static_cast<std::size_t>(field) - 1); }
 };
 
 // The battery test, run for the machine as a whole.
 struct TestReport {
-  TestVerdict verdict;
+  std::optional<int> result;  // nothing without a verdict
+  std::string label;
+  std::string version;
   std::optional<Failure> error;  // why there is no verdict
 };
 
@@ -145,11 +69,11 @@ struct Source {
 
 // True where the driver's own state of charge is more than a point away from the computed one, or stands alone because
 // none could be computed.
-inline bool DriverDisagrees(const Capacity& capacity) {
-  constexpr float kPoint = 1.0F;
-  const auto& computed = capacity.remainingCapacityPercentage;
-  return capacity.driverStateOfCharge.has_value() &&
-         (!computed || std::abs(static_cast<float>(*capacity.driverStateOfCharge) - *computed) > kPoint);
+inline bool DriverDisagrees(const BatteryReport& battery) {
+  constexpr double kPoint = 1.0;
+  const FieldValue& computed = battery[NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE];
+  return battery.driverStateOfCharge.has_value() &&
+         (computed.state != NORV_BATTERY_VALUE || std::abs(*battery.driverStateOfCharge - computed.real) > kPoint);
 }
 
 struct Report {

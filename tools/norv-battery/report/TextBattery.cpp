@@ -1,34 +1,55 @@
 #include "report/TextBattery.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
 #include <string>
 
+#include "firmware/BatteryInformationBlock.h"
+#include "output/BatteryFields.h"
 #include "output/EscapeText.h"
 
 namespace norv::tool {
 
 namespace {
 
-constexpr const char* kOfTheSystem = " (the operating system's figure, mostly in mW)";
-
-std::string PercentText(float percentage) {
+std::string PercentText(double percentage) {
   std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.3f %%", static_cast<double>(percentage));
+  std::snprintf(text.data(), text.size(), "%.3f %%", percentage);
   return text.data();
 }
 
-std::string Percentage(std::optional<float> percentage, int divisor, const std::string& divisorName) {
-  return percentage ? PercentText(*percentage) + " of the " + divisorName
-                    : "not computable (" + WhyNotComputable(divisor == 0, divisorName) + ")";
+std::string Percentage(const BatteryReport& battery, norv_battery_field field) {
+  const FieldValue& percentage = battery[field];
+  const Divisor divisor = *FindDivisor(field);
+  return percentage.state == NORV_BATTERY_VALUE
+             ? PercentText(percentage.real) + " of the " + divisor.name
+             : "not computable (" + WhyNotComputable(battery[divisor.field].number == 0, divisor.name) + ")";
+}
+
+std::string Health(const BatteryReport& battery) {
+  return Percentage(battery, NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE);
+}
+
+std::string StateOfCharge(const BatteryReport& battery) {
+  return Percentage(battery, NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE);
+}
+
+std::string MaxError(const BatteryReport& battery) {
+  return std::to_string(battery[NORV_BATTERY_MAX_ERROR].number) + " %";
+}
+
+std::string Current(const BatteryReport& battery) {
+  return std::to_string(SignedCurrent(battery[NORV_BATTERY_CURRENT].number));
 }
 
 // The reading in 0.1 K, where it gives a temperature that a battery can have.
-std::string Temperature(int word) {
+std::string Temperature(const BatteryReport& battery) {
   constexpr int kZeroCelsius = 27315;  // in 0.01 K
   constexpr int kColdest = -4000;      // in 0.01 degrees Celsius
   constexpr int kHottest = 12500;
+  const auto word = static_cast<int>(battery[NORV_BATTERY_TEMPERATURE].number);
   const int celsius = word * 10 - kZeroCelsius;
   if (celsius < kColdest || celsius > kHottest) {
     return std::to_string(word);
@@ -38,67 +59,22 @@ std::string Temperature(int word) {
   return text.data();
 }
 
-void AddIdentity(TextLines& lines, const Identity& identity) {
-  lines.Section("Identity");
-  lines.Row("Manufacturer", OrEmpty(identity.manufacturer));
-  lines.Row("Device name", OrEmpty(identity.deviceName));
-  lines.Row("Serial number", OrEmpty(identity.serialNumber));
-  lines.Row("CT number", OrEmpty(identity.ctNumber));
+template <norv_battery_field kRate>
+std::string Rate(const BatteryReport& battery) {
+  return std::to_string(battery[kRate].number) + " (the operating system's figure, mostly in mW)";
 }
 
-void AddCapacity(TextLines& lines, const Capacity& capacity) {
-  lines.Section("Capacity and health");
-  lines.Row("Design capacity", capacity.designCapacity);
-  lines.Row("Full charge capacity", capacity.fullChargeCapacity);
-  lines.Row("Health", Percentage(capacity.fullChargeCapacityPercentage, capacity.designCapacity, "design capacity"));
-  lines.Row("Remaining capacity", capacity.remainingCapacity);
-  lines.Row("Relative state of charge",
-            Percentage(capacity.remainingCapacityPercentage, capacity.fullChargeCapacity, "full charge capacity"));
-  if (DriverDisagrees(capacity)) {
-    const bool isComputed = capacity.remainingCapacityPercentage.has_value();
-    lines.Row("Driver's state of charge",
-              std::to_string(*capacity.driverStateOfCharge) + " %, by its own account; " +
-                  (isComputed ? "more than a point from the one above" : "there is none to compare it with"));
-  }
-  lines.Row("Max error", std::to_string(capacity.maxError) + " %");
-  lines.Row("Cycle count", capacity.cycleCount);
-  lines.Row("Design voltage", capacity.designVoltage);
-  lines.Row("Voltage", capacity.voltage);
-  lines.Row("Current", capacity.current);
-  lines.Row("Temperature", Temperature(capacity.temperature));
+template <norv_battery_field kCell>
+std::string CellVoltage(const BatteryReport& battery) {
+  const std::int64_t voltage = battery[kCell].number;
+  return std::to_string(voltage) + (voltage == 0 ? " (no cell, or no reading)" : "");
 }
 
-void AddRates(TextLines& lines, const Capacity& capacity) {
-  lines.Row("Charge rate", std::to_string(capacity.chargeRate) + kOfTheSystem);
-  lines.Row("Discharge rate", std::to_string(capacity.dischargeRate) + kOfTheSystem);
-}
-
-void AddCells(TextLines& lines, const Cells& cells) {
-  lines.Section("Cells");
-  int number = 0;
-  for (const int voltage : cells.voltages) {
-    lines.Row("Cell " + std::to_string(++number) + " voltage",
-              std::to_string(voltage) + (voltage == 0 ? " (no cell, or no reading)" : ""));
-  }
-  lines.Row("Spread", cells.spread
-                          ? std::to_string(*cells.spread) + " between the highest and the lowest cell that is not 0"
-                          : "none (every cell is 0)");
-}
-
-void AddStatus(TextLines& lines, const Status& status) {
+std::string StatusWord(const BatteryReport& battery) {
   std::array<char, 16> word{};
-  std::snprintf(word.data(), word.size(), "0x%04X", static_cast<unsigned int>(status.word));
-  std::string set;
-  for (const auto& flag : status.flags) {
-    if (flag.value) {
-      set += set.empty() ? "" : ", ";
-      set += flag.name;
-    }
-  }
-  lines.Section("Status");
-  lines.Row("Status word", word.data());
-  lines.Row("Error code", status.errorCode);
-  lines.Row("Flags set", set.empty() ? "none" : set);
+  std::snprintf(word.data(), word.size(), "0x%04X",
+                static_cast<unsigned int>(battery[NORV_BATTERY_STATUS_WORD].number));
+  return word.data();
 }
 
 // The day of a date-time text; its time of day is always midnight.
@@ -107,105 +83,208 @@ std::string DayText(const std::string& dateTime) {
                           : EscapeText(dateTime.substr(0, dateTime.find('T')));
 }
 
-std::string WarrantyDay(const Dates& dates) {
-  if (dates.warrantyDate.empty() && !dates.manufacturingDate.empty()) {
-    return "not known (no such day)";
-  }
-  return DayText(dates.warrantyDate);
+std::string ManufacturingDate(const BatteryReport& battery) {
+  return DayText(battery[NORV_BATTERY_MANUFACTURING_DATE].text);
 }
 
-std::string AgeText(const Age& age, const std::string& serialNumber) {
-  constexpr std::size_t kSerialNumberWithDate = 16;
-  if (!age.error) {
-    return std::to_string(age.value) + (age.value == 1 ? " day" : " days") +
-           ", by the date at the end of the serial number";
+std::string WarrantyDate(const BatteryReport& battery) {
+  const std::string& warranty = battery[NORV_BATTERY_WARRANTY_DATE].text;
+  const bool isMade = !battery[NORV_BATTERY_MANUFACTURING_DATE].text.empty();
+  return warranty.empty() && isMade ? "not known (no such day)" : DayText(warranty);
+}
+
+std::string Age(const BatteryReport& battery) {
+  constexpr std::size_t kSerialNumberWithDate = firmware::kSerialNumber.width;
+  const std::int64_t days = battery[NORV_BATTERY_AGE].number;
+  if (!battery.ageFailure) {
+    return std::to_string(days) + (days == 1 ? " day" : " days") + ", by the date at the end of the serial number";
   }
-  if (serialNumber.size() < kSerialNumberWithDate) {
+  if (battery[NORV_BATTERY_SERIAL_NUMBER].text.size() < kSerialNumberWithDate) {
     return "not known (the serial number has fewer than 16 characters)";
   }
-  if (age.value == -1) {
-    return "not known (" + EscapeText(age.error->message) + ")";
+  if (days == -1) {
+    return "not known (" + EscapeText(battery.ageFailure->message) + ")";
   }
   return "not known (the serial number does not end in a date)";
 }
 
-void AddDates(TextLines& lines, const Dates& dates, const std::string& serialNumber) {
-  lines.Section("Dates and warranty");
-  lines.Row("Manufacturing date", DayText(dates.manufacturingDate));
-  lines.Row("Warranty type", dates.warrantyType);
-  lines.Row("Warranty date", WarrantyDay(dates));
-  lines.Row("Age", AgeText(dates.age, serialNumber));
+std::string CalibrationType(const BatteryReport& battery) {
+  const std::string& type = battery[NORV_BATTERY_CALIBRATION_TYPE].text;
+  return type.empty() ? "none" : EscapeText(type);
 }
 
-void AddAttributes(TextLines& lines, const Attributes& attributes) {
-  lines.Section("Suppliers and attributes");
-  lines.Row("Pack supplier", attributes.packSupplier);
-  lines.Row("Cell supplier", attributes.cellSupplier);
-  lines.Row("Calibration type", attributes.calibrationType.empty() ? "none" : EscapeText(attributes.calibrationType));
-  lines.Row("Over-current protection",
-            std::to_string(attributes.overCurrentProtection) + " (in the unit of the design capacity)");
-  lines.Row("Design cycle count", attributes.designCycleCount);
-  lines.Row("CT assembly", OrEmpty(attributes.ctAssembly));
-  lines.Row("CT revision", OrEmpty(attributes.ctRevision));
-  lines.Row("CT supplier", OrEmpty(attributes.ctSupplier));
-  lines.Row("CT manufacturing week", OrEmpty(attributes.ctManufacturingWeek));
+std::string OverCurrentProtection(const BatteryReport& battery) {
+  return std::to_string(battery[NORV_BATTERY_OVER_CURRENT_PROTECTION].number) + " (in the unit of the design capacity)";
 }
 
-void AddSettings(TextLines& lines, const Settings& settings) {
-  lines.Section("BIOS battery care settings");
-  lines.Row("Adaptive battery optimizer", OrEmpty(settings.adaptiveBatteryOptimizer));
-  lines.Row("Battery care", OrEmpty(settings.batteryCare));
-}
+// Fields that are more to people than their bare value.
+struct Wording {
+  norv_battery_field field;
+  std::string (*write)(const BatteryReport& battery);
+};
 
-void AddCellSwellProtection(TextLines& lines, const std::vector<Named<int>>& counters) {
-  lines.Section("Cell swell protection (time counters in the BIOS's own unit)");
-  if (counters.empty()) {
-    lines.Line("  not available");
+constexpr std::array kWordings{
+    Wording{NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE, Health},
+    Wording{NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE, StateOfCharge},
+    Wording{NORV_BATTERY_MAX_ERROR, MaxError},
+    Wording{NORV_BATTERY_CURRENT, Current},
+    Wording{NORV_BATTERY_TEMPERATURE, Temperature},
+    Wording{NORV_BATTERY_CHARGE_RATE, Rate<NORV_BATTERY_CHARGE_RATE>},
+    Wording{NORV_BATTERY_DISCHARGE_RATE, Rate<NORV_BATTERY_DISCHARGE_RATE>},
+    Wording{NORV_BATTERY_CELL_VOLTAGE_1, CellVoltage<NORV_BATTERY_CELL_VOLTAGE_1>},
+    Wording{NORV_BATTERY_CELL_VOLTAGE_2, CellVoltage<NORV_BATTERY_CELL_VOLTAGE_2>},
+    Wording{NORV_BATTERY_CELL_VOLTAGE_3, CellVoltage<NORV_BATTERY_CELL_VOLTAGE_3>},
+    Wording{NORV_BATTERY_CELL_VOLTAGE_4, CellVoltage<NORV_BATTERY_CELL_VOLTAGE_4>},
+    Wording{NORV_BATTERY_STATUS_WORD, StatusWord},
+    Wording{NORV_BATTERY_MANUFACTURING_DATE, ManufacturingDate},
+    Wording{NORV_BATTERY_WARRANTY_DATE, WarrantyDate},
+    Wording{NORV_BATTERY_AGE, Age},
+    Wording{NORV_BATTERY_CALIBRATION_TYPE, CalibrationType},
+    Wording{NORV_BATTERY_OVER_CURRENT_PROTECTION, OverCurrentProtection},
+};
+
+std::string PlainText(const fields::Row& row, const FieldValue& value) {
+  switch (row.kind) {
+    case NORV_BATTERY_NUMBER:
+      return std::to_string(value.number);
+    case NORV_BATTERY_REAL:
+      return PercentText(value.real);
+    case NORV_BATTERY_FLAG:
+      return value.number != 0 ? "yes" : "no";
+    default:
+      return OrEmpty(value.text);
   }
-  for (const auto& counter : counters) {
-    lines.Row(counter.name, counter.value);
+}
+
+std::string FieldText(const fields::Row& row, const BatteryReport& battery) {
+  const auto* const wording =
+      std::find_if(kWordings.begin(), kWordings.end(), [&](const Wording& one) { return one.field == row.number; });
+  return wording != kWordings.end() ? wording->write(battery) : PlainText(row, battery[row.number]);
+}
+
+void AddDriversStateOfCharge(TextLines& lines, const BatteryReport& battery) {
+  if (DriverDisagrees(battery)) {
+    const bool isComputed = battery[NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE].state == NORV_BATTERY_VALUE;
+    lines.Row("Driver's state of charge",
+              std::to_string(*battery.driverStateOfCharge) + " %, by its own account; " +
+                  (isComputed ? "more than a point from the one above" : "there is none to compare it with"));
   }
 }
 
-void AddValidity(TextLines& lines, const Validity& validity) {
-  lines.Section("Validity");
-  lines.Row("Valid battery record", validity.valid ? "yes" : "no");
-  if (validity.error) {
-    lines.Row("Reason", OrEmpty(validity.error->message));
+void AddSpread(TextLines& lines, const BatteryReport& battery) {
+  std::array<int, firmware::kCellCount> voltages{};
+  for (int cell = 0; cell < firmware::kCellCount; ++cell) {
+    const auto field = static_cast<norv_battery_field>(NORV_BATTERY_CELL_VOLTAGE_1 + cell);
+    voltages.at(static_cast<std::size_t>(cell)) = static_cast<int>(battery[field].number);
   }
+  const auto spread = SpreadOf(voltages);
+  lines.Row("Spread", spread ? std::to_string(*spread) + " between the highest and the lowest cell that is not 0"
+                             : "none (every cell is 0)");
+}
+
+void AddFlags(TextLines& lines, const BatteryReport& battery) {
+  std::string set;
+  for (const fields::Row& row : fields::kCatalogue) {
+    if (row.group == &fields::kFlags && battery[row.number].number != 0) {
+      set += set.empty() ? "" : ", ";
+      set += row.name;
+    }
+  }
+  lines.Row("Flags set", set.empty() ? "none" : set);
+}
+
+void AddReason(TextLines& lines, const BatteryReport& battery) {
+  if (battery.validityFailure) {
+    lines.Row("Reason", OrEmpty(battery.validityFailure->message));
+  }
+}
+
+// What people want to read after a field, and is none.
+struct Addition {
+  norv_battery_field after;
+  void (*add)(TextLines& lines, const BatteryReport& battery);
+};
+
+constexpr std::array kAdditions{
+    Addition{NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE, AddDriversStateOfCharge},
+    Addition{NORV_BATTERY_CELL_VOLTAGE_4, AddSpread},
+    Addition{NORV_BATTERY_STATUS_ERROR_CODE, AddFlags},
+    Addition{NORV_BATTERY_VALID, AddReason},
+};
+
+void AddField(TextLines& lines, const fields::Row& row, const BatteryReport& battery) {
+  lines.Row(row.label, FieldText(row, battery));
+  for (const Addition& addition : kAdditions) {
+    if (addition.after == row.number) {
+      addition.add(lines, battery);
+    }
+  }
+}
+
+// Flags are one row of the status, and what the battery test says stands at the end of the report.
+bool IsSection(const fields::Group* group) {
+  return group != &fields::kFlags && group != &fields::kTest;
+}
+
+// A battery without cell swell protection data has none of its counters.
+bool IsMissing(const fields::Row& row, const BatteryReport& battery) {
+  return row.source == NORV_BATTERY_FROM_CELL_SWELL_BLOCK && battery[row.number].state == NORV_BATTERY_ABSENT;
+}
+
+// Adds the sections of the fields that isShown(row).
+template <typename IsShown>
+void AddSections(TextLines& lines, const BatteryReport& battery, IsShown isShown) {
+  const fields::Group* section = nullptr;
+  for (const fields::Row& row : fields::kCatalogue) {
+    if (!IsSection(row.group) || !isShown(row)) {
+      continue;
+    }
+    const bool isMissing = IsMissing(row, battery);
+    if (row.group != section) {
+      section = row.group;
+      lines.Section(section->label);
+      if (isMissing) {
+        lines.Line("  not available");
+      }
+    }
+    if (!isMissing) {
+      AddField(lines, row, battery);
+    }
+  }
+}
+
+bool IsOfBlock(const fields::Row& row) {
+  return row.source == NORV_BATTERY_FROM_INFORMATION_BLOCK;
 }
 
 }  // namespace
+
+std::optional<Divisor> FindDivisor(norv_battery_field percentage) {
+  switch (percentage) {
+    case NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE:
+      return Divisor{NORV_BATTERY_DESIGN_CAPACITY, "design capacity"};
+    case NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE:
+      return Divisor{NORV_BATTERY_FULL_CHARGE_CAPACITY, "full charge capacity"};
+    default:
+      return std::nullopt;
+  }
+}
 
 std::string WhyNotComputable(bool isDivisorZero, const std::string& divisorName) {
   return isDivisorZero ? "the " + divisorName + " is 0" : "the figure is too large";
 }
 
 void AddBlock(TextLines& lines, const BatteryReport& battery) {
-  AddIdentity(lines, battery.identity);
-  AddCapacity(lines, battery.capacity);
-  AddCells(lines, battery.cells);
-  AddStatus(lines, battery.status);
-  AddDates(lines, battery.dates, battery.identity.serialNumber);
-  AddAttributes(lines, battery.attributes);
-  AddValidity(lines, battery.validity);
+  AddSections(lines, battery, IsOfBlock);
 }
 
 void AddBattery(TextLines& lines, const BatteryReport& battery, bool cellSwellRequested) {
-  AddIdentity(lines, battery.identity);
-  AddCapacity(lines, battery.capacity);
-  AddRates(lines, battery.capacity);
-  AddCells(lines, battery.cells);
-  AddStatus(lines, battery.status);
-  AddDates(lines, battery.dates, battery.identity.serialNumber);
-  AddAttributes(lines, battery.attributes);
-  if (battery.slot == 0) {
-    AddSettings(lines, battery.settings);
-  }
-  if (cellSwellRequested) {
-    AddCellSwellProtection(lines, battery.cellSwellProtection);
-  }
-  AddValidity(lines, battery.validity);
+  AddSections(lines, battery, [&](const fields::Row& row) {
+    if (row.source == NORV_BATTERY_FROM_BIOS_SETTINGS) {
+      return battery.slot == 0;
+    }
+    return row.source != NORV_BATTERY_FROM_CELL_SWELL_BLOCK || cellSwellRequested;
+  });
 }
 
 }  // namespace norv::tool

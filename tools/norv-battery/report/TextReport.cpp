@@ -105,18 +105,17 @@ std::string NoVerdictReason(const std::optional<Failure>& error) {
 }
 
 void AddTest(TextLines& lines, const TestReport& test) {
-  const TestVerdict& verdict = test.verdict;
   lines.Heading("Battery test");
-  if (!verdict.result) {
+  if (!test.result) {
     lines.Row("Result code", "none (no verdict)");
-    lines.Row("Label", verdict.label);
+    lines.Row("Label", test.label);
     lines.Row("Reason", NoVerdictReason(test.error));
   } else {
-    lines.Row("Result code", std::to_string(*verdict.result) + " (" + Hexadecimal(*verdict.result) + ")");
-    lines.Row("Label", verdict.label);
-    AddVerdict(lines, *verdict.result);
+    lines.Row("Result code", std::to_string(*test.result) + " (" + Hexadecimal(*test.result) + ")");
+    lines.Row("Label", test.label);
+    AddVerdict(lines, *test.result);
   }
-  lines.Row("Test program version", OrEmpty(verdict.version));
+  lines.Row("Test program version", OrEmpty(test.version));
 }
 
 std::string CategoryName(int category) {

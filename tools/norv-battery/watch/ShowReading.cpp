@@ -1,8 +1,11 @@
 #include "watch/ShowReading.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
+#include <optional>
+#include <vector>
 
+#include "fields/Catalogue.h"
 #include "json/Write.h"
 #include "output/EscapeText.h"
 #include "report/EmptySlot.h"
@@ -12,36 +15,14 @@ namespace norv::tool {
 
 namespace {
 
+namespace fields = shared::battery::fields;
+
 using json::Array;
 using json::Object;
 using json::Value;
 
 constexpr std::size_t kNameWidth = 27;
 constexpr std::size_t kValueWidth = 25;
-
-struct TableRow {
-  const char* name;
-  const char* group;
-  const char* key;
-  const char* unit;
-};
-
-constexpr std::array kTableRows = {
-    TableRow{"Device name", "identity", "deviceName", ""},
-    TableRow{"Serial number", "identity", "serialNumber", ""},
-    TableRow{"Design capacity", "capacity", "designCapacity", ""},
-    TableRow{"Full charge capacity", "capacity", "fullChargeCapacity", ""},
-    TableRow{"Remaining capacity", "capacity", "remainingCapacity", ""},
-    TableRow{"Relative state of charge", "capacity", "remainingCapacityPercentage", " %"},
-    TableRow{"Cycle count", "capacity", "cycleCount", ""},
-    TableRow{"Voltage", "capacity", "voltage", ""},
-    TableRow{"Current", "capacity", "current", ""},
-    TableRow{"Temperature", "capacity", "temperature", ""},
-    TableRow{"Charge rate", "capacity", "chargeRate", ""},
-    TableRow{"Discharge rate", "capacity", "dischargeRate", ""},
-    TableRow{"Cell voltages", "cells", "voltages", ""},
-    TableRow{"Status flags", "status", "flags", ""},
-};
 
 std::string Joined(const std::string& list, const std::string& item) {
   return list.empty() ? item : list + " " + item;
@@ -70,40 +51,30 @@ std::string ValueText(const Value& value) {
   return value.IsNull() ? "none" : json::Write(value);
 }
 
-// A percentage of the JSON report, which is null where it cannot be computed.
-struct PercentageKeys {
-  std::string_view key;
-  const char* divisorKey;
-  const char* divisorName;
-};
+// The row of the catalogue that a key of the JSON report is of; null for what is beyond it.
+const fields::Row* FindRow(std::string_view key) {
+  const auto* const row = std::find_if(fields::kCatalogue.begin(), fields::kCatalogue.end(),
+                                       [key](const fields::Row& one) { return one.key == key; });
+  return row != fields::kCatalogue.end() ? row : nullptr;
+}
 
-constexpr std::array kPercentages = {
-    PercentageKeys{"fullChargeCapacityPercentage", "designCapacity", "design capacity"},
-    PercentageKeys{"remainingCapacityPercentage", "fullChargeCapacity", "full charge capacity"},
-};
-
-const PercentageKeys* FindPercentage(std::string_view key) {
-  const auto* const found = std::find_if(kPercentages.begin(), kPercentages.end(),
-                                         [key](const PercentageKeys& percentage) { return percentage.key == key; });
-  return found != kPercentages.end() ? found : nullptr;
+std::optional<Divisor> DivisorOf(std::string_view key) {
+  const fields::Row* const row = FindRow(key);
+  return row != nullptr ? FindDivisor(row->number) : std::nullopt;
 }
 
 std::string MemberText(std::string_view key, const Value& value) {
-  return value.IsNull() && FindPercentage(key) != nullptr ? "not computable" : ValueText(value);
-}
-
-// The column has no room for why a percentage is none; the divisor stands in a row above.
-std::string RowText(const TableRow& row, const Value& value) {
-  return MemberText(row.key, value) + (value.IsNull() ? "" : row.unit);
+  return value.IsNull() && DivisorOf(key) ? "not computable" : ValueText(value);
 }
 
 // In brackets why what has changed cannot be computed any more; empty for any other change.
 std::string ReasonText(std::string_view key, const Value& after, const Value& battery) {
-  const PercentageKeys* const percentage = FindPercentage(key);
-  if (percentage == nullptr || !after.IsNull()) {
+  const auto divisor = DivisorOf(key);
+  if (!divisor || !after.IsNull()) {
     return "";
   }
-  return " (" + WhyNotComputable(battery["capacity"][percentage->divisorKey] == 0, percentage->divisorName) + ")";
+  const fields::Row& row = fields::RowOf(divisor->field);
+  return " (" + WhyNotComputable(battery[row.group->key][row.key] == 0, divisor->name) + ")";
 }
 
 // That a slot is empty is no failure, and is told as "removed" or "no battery".
@@ -158,37 +129,60 @@ std::string BatteryPath(std::size_t slot) {
   return "batteries[" + std::to_string(slot) + "]";
 }
 
-void AddRows(const Reading& reading, const std::vector<Change>& changes, std::string& screen) {
-  const Array& batteries = BatteriesOf(reading);
-  for (const TableRow& row : kTableRows) {
-    std::string line = Padded(row.name, kNameWidth);
-    for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
-      const bool isThere = !batteries[slot].IsNull();
-      const std::string path = BatteryPath(slot) + "." + row.group + "." + row.key;
-      line +=
-          isThere ? Cell(RowText(row, batteries[slot][row.group][row.key]), IsChanged(path, changes)) : Cell("", false);
-    }
-    AddScreenLine(line, screen);
-  }
+// A row of the screen: a member of the JSON report, which is a field, a list of fields or the flags.
+struct ScreenRow {
+  std::string name;
+  std::string group;
+  std::string key;
+  const char* unit = "";
+};
+
+// What changes from one moment to the next, and which battery it is.
+bool IsWatched(const fields::Group* group) {
+  return group == &fields::kIdentity || group == &fields::kCapacity || group == &fields::kCells ||
+         group == &fields::kCellSwell;
 }
 
-// The counters of the cell swell protection, where they were read.
-void AddCellSwellRows(const Reading& reading, const std::vector<Change>& changes, std::string& screen) {
-  const Array& batteries = BatteriesOf(reading);
-  const auto hasCounters = [](const Value& battery) { return battery["cellSwellProtection"].Is<Object>(); };
-  const auto first = std::find_if(batteries.begin(), batteries.end(), hasCounters);
-  if (first == batteries.end()) {
-    return;
-  }
-  for (const auto& [key, ignored] : *(*first)["cellSwellProtection"].As<Object>()) {
-    std::string line = Padded(key, kNameWidth);
-    for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
-      const std::string path = BatteryPath(slot) + ".cellSwellProtection." + key;
-      line += hasCounters(batteries[slot])
-                  ? Cell(ValueText(batteries[slot]["cellSwellProtection"][key]), IsChanged(path, changes))
-                  : Cell("", false);
+std::vector<ScreenRow> ScreenRows() {
+  std::vector<ScreenRow> rows;
+  for (const fields::Row& row : fields::kCatalogue) {
+    if (IsWatched(row.group)) {
+      // The column has no room for why a percentage is none; the divisor stands in a row above.
+      rows.push_back({row.label, row.group->key, row.key, row.kind == NORV_BATTERY_REAL ? " %" : ""});
+    } else if (row.number == NORV_BATTERY_STATUS_WORD) {
+      rows.push_back({"Status flags", row.group->key, "flags"});
     }
-    AddScreenLine(line, screen);
+  }
+  return rows;
+}
+
+// The value at `key` in `group`, of which one may be an item of a list, "voltages[0]".
+const Value& At(const Value& group, const std::string& key) {
+  const std::size_t bracket = key.find('[');
+  if (bracket == std::string::npos) {
+    return group[key];
+  }
+  return group[key.substr(0, bracket)][static_cast<std::size_t>(key[bracket + 1] - '0')];
+}
+
+void AddRows(const Reading& reading, const std::vector<Change>& changes, std::string& screen) {
+  const Array& batteries = BatteriesOf(reading);
+  static const std::vector<ScreenRow> rows = ScreenRows();
+  for (const ScreenRow& row : rows) {
+    std::string line = Padded(row.name, kNameWidth);
+    bool isThere = false;
+    for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
+      const Value& group = batteries[slot][row.group];
+      const Value& value = At(group, row.key);
+      isThere |= !group.IsNull();
+      const std::string path = BatteryPath(slot) + "." + row.group + "." + row.key;
+      line += group.IsNull()
+                  ? Cell("", false)
+                  : Cell(MemberText(row.key, value) + (value.IsNull() ? "" : row.unit), IsChanged(path, changes));
+    }
+    if (isThere) {
+      AddScreenLine(line, screen);
+    }
   }
 }
 
@@ -289,7 +283,6 @@ std::string Screen(const std::string& title, const Reading& reading, const std::
   AddScreenLine(heading, screen);
   AddScreenLine(presence, screen);
   AddRows(reading, changes, screen);
-  AddCellSwellRows(reading, changes, screen);
   const Value& readError = WithoutEmptySlot(*reading.body.Find("readError"));
   if (!readError.IsNull()) {
     AddScreenLine("", screen);

@@ -1,0 +1,81 @@
+// What there is to know of a field of a battery, and what one answers.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "battery/norv_battery.h"
+#include "firmware/Block.h"
+#include "norv/shared/error/Error.h"
+
+namespace norv::shared::battery {
+
+class NorvBatteryInfo;
+class NorvBatteryTestInfo;
+
+namespace fields {
+
+// What a field answers. Of number, real and text one counts: the field's kind tells which. In every state it is what
+// the accessor of the C++ interface answers.
+struct Answer {
+  norv_battery_state state = NORV_BATTERY_VALUE;
+  std::int64_t number = 0;
+  double real = 0;
+  std::string_view text{};  // the record's, or a constant; what it is written in, IsUtf8 tells
+};
+
+// A question whose answer the record keeps a failure of.
+struct Asked {
+  std::int64_t answer = 0;
+  error::Error failure;
+};
+
+// What fields are read from: a record, or of the battery test's fields the test itself.
+struct Subject {
+  NorvBatteryInfo* info = nullptr;
+  const NorvBatteryTestInfo* test = nullptr;  // null: the record's verdict
+  const unsigned char* block = nullptr;       // the record's, where it was kept
+  bool isDecoded = false;                     // of a block that need not be this machine's
+  // Asking a record for its age changes what it says of its validity. Whoever reads one of these two asks first.
+  const Asked* age = nullptr;
+  const Asked* validity = nullptr;
+};
+
+// Fields that people look at together.
+struct Group {
+  const char* key;    // of the JSON object they lie in; "status.flags" lies in "status"
+  const char* label;  // for people
+};
+
+struct Row {
+  norv_battery_field number;
+  const char* key;  // in its group's object; "voltages[0]" is an item of the list "voltages"
+  const Group* group;
+  const char* name;
+  const char* label;  // for people
+  norv_battery_kind kind;
+  const char* unit;
+  norv_battery_source source;
+  firmware::Field place;  // in the source's block; of width 0 when it is not one place there
+  int bit;                // of the word at `place`, or kNoBit
+  Answer (*read)(const Row& row, const Subject& subject);
+  norv_battery_state (*state)(const Subject& subject, const Answer& answer);
+};
+
+inline constexpr int kNoBit = -1;
+
+// The BIOS settings come as UTF-8. Other texts are bytes without a stated encoding: each stands for the character of
+// its number.
+constexpr bool IsUtf8(const Row& row) {
+  return row.source == NORV_BATTERY_FROM_BIOS_SETTINGS;
+}
+
+// The answer of a field, with its state.
+inline Answer Read(const Row& row, const Subject& subject) {
+  Answer answer = row.read(row, subject);
+  answer.state = row.state(subject, answer);
+  return answer;
+}
+
+}  // namespace fields
+}  // namespace norv::shared::battery
