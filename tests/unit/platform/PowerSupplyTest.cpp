@@ -266,7 +266,7 @@ TEST_F(PowerSupplyFolder, OfMoreEntriesThanAMachineHasSuppliesIsNone) {
     std::ofstream(folder_ / std::to_string(index));
   }
   EXPECT_TRUE(Read().has_value());
-  std::ofstream(folder_ / "one more");
+  std::ofstream(folder_ / "one more").close();
   EXPECT_FALSE(Read().has_value());
 }
 
