@@ -9,7 +9,7 @@ mkdir -p "${1:?usage: tests/fuzz/run.sh WORK-FOLDER [SECONDS [TARGET ...]]}"
 folder=$(cd "$1" && pwd)
 readonly folder
 readonly seconds=${2:-20}
-readonly known=(block report machine-file machine-reports decode-binary decode-hex decode-dump encode)
+readonly known=(block report listing machine-file machine-reports decode-binary decode-hex decode-dump encode)
 targets=("${@:3}")
 [[ ${#targets[@]} -gt 0 ]] || targets=("${known[@]}")
 readonly targets
@@ -33,14 +33,15 @@ Build() {
     cmake --build "$folder/build" --target "${targets[@]/#/norv-battery-fuzz-}"
 }
 
-# The folders that a target starts from: what it has learnt, its own inputs, and those that lie elsewhere already, the
-# sample machines and their blocks.
+# The folders that a target starts from: what it has learnt, its own inputs, and those that lie elsewhere already, such as
+# the sample machines and their blocks.
 Corpora() {
   local target=$1 own=$here/corpus/$1 blocks=$folder/blocks
   mkdir -p "$folder/corpus/$target"
   printf '%s\n' "$folder/corpus/$target"
   [[ ! -d $own ]] || printf '%s\n' "$own"
   case $target in
+    listing) printf '%s\n' "$here/../fixtures/power-supply" ;;
     machine-file) printf '%s\n' "$here/../../simulator/machines" ;;
     block)
       mkdir -p "$blocks"
