@@ -14,40 +14,50 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// One battery in a folder of the power supply class, and in a listing beside it.
+constexpr const char* kFolder = "class";
+constexpr const char* kListing = "listing.txt";
+
 class PowerSupplyMachine {
  public:
-  PowerSupplyMachine() {
-    fs::create_directory(folder_ / "BAT0");
+  explicit PowerSupplyMachine(const char* source)
+      : platform_(platform::Platform::Current(), (place_ / source).string()) {
+    const fs::path battery = place_ / kFolder / "BAT0";
+    fs::create_directories(battery);
+    std::ofstream listing(place_ / kListing);
     for (const auto& [name, value] : std::map<std::string, std::string>{
              {"type", "Battery"}, {"status", "Discharging"}, {"cycle_count", "412"}, {"capacity", "70"}}) {
-      std::ofstream(folder_ / "BAT0" / name) << value << '\n';
+      std::ofstream(battery / name) << value << '\n';
+      listing << "BAT0/" << name << ':' << value << '\n';
     }
   }
   PowerSupplyMachine(const PowerSupplyMachine&) = delete;
   PowerSupplyMachine& operator=(const PowerSupplyMachine&) = delete;
-  ~PowerSupplyMachine() { fs::remove_all(folder_); }
+  ~PowerSupplyMachine() { fs::remove_all(place_); }
 
   platform::Platform& AsPlatform() { return platform_; }
 
  private:
-  static fs::path NewFolder() {
+  static fs::path NewPlace() {
     std::string pattern = (fs::temp_directory_path() / "norv-battery-XXXXXX").string();
     return ::mkdtemp(pattern.data());
   }
 
-  fs::path folder_ = NewFolder();
-  platform::PowerSupplyPlatform platform_{platform::Platform::Current(), folder_.string()};
+  fs::path place_ = NewPlace();
+  platform::PowerSupplyPlatform platform_;
 };
 
-Subject PowerSupply() {
-  const auto machine = std::make_shared<PowerSupplyMachine>();
-  return {machine, &machine->AsPlatform()};
+Maker PowerSupply(const char* name, const char* source) {
+  return {name, [source] {
+            const auto machine = std::make_shared<PowerSupplyMachine>(source);
+            return Subject{machine, &machine->AsPlatform()};
+          }};
 }
 
 }  // namespace
 
 std::vector<Maker> SystemMakersWithABattery() {
-  return {{"PowerSupply", PowerSupply}};
+  return {PowerSupply("PowerSupplyFolder", kFolder), PowerSupply("PowerSupplyListing", kListing)};
 }
 
 }  // namespace norv::test
