@@ -14,7 +14,7 @@ inline constexpr Field kMaxError{0x06, 2};
 inline constexpr Field kCycleCount{0x08, 2};
 inline constexpr Field kTemperature{0x0A, 2};
 inline constexpr Field kVoltage{0x0C, 2};
-inline constexpr Field kCurrent{0x0E, 2};  // two's complement: negative while the battery discharges
+inline constexpr Field kCurrent{0x0E, 2, true};  // negative while the battery discharges
 inline constexpr Field kDesignVoltage{0x10, 2};
 inline constexpr Field kBatteryStatus{0x12, 2};
 inline constexpr Field kCellVoltages[kCellCount]{{0x14, 2}, {0x16, 2}, {0x18, 2}, {0x1A, 2}};

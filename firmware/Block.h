@@ -20,11 +20,12 @@ inline constexpr int kSlotCount = 2;
 struct Field {
   std::size_t offset;
   std::size_t width;
+  bool isSigned = false;  // a word in two's complement
 
   constexpr std::size_t End() const { return offset + width; }
 };
 
-// An unsigned word, widened without a sign: 0 to 65535.
+// A word as the firmware gave it, widened without a sign: 0 to 65535.
 constexpr int Word(const unsigned char* block, Field field) {
   return block[field.offset] | (block[field.offset + 1] << 8);
 }

@@ -1,140 +1,122 @@
 #include "machine/BlockFile.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <span>
 #include <string_view>
 
+#include "base/Time.h"
+#include "fields/Stored.h"
+#include "firmware/PackedDate.h"
 #include "machine/HexText.h"
 
 namespace norv::simulator {
 
 namespace {
 
-// A 16-bit word of a block, little-endian.
-struct WordField {
-  std::string_view key;
-  std::size_t offset;
-  std::int64_t least;
+namespace fields = shared::battery::fields;
+
+// Fields that machine files have had under a name of their own from the beginning.
+struct OwnKey {
+  norv_battery_field field;
+  const char* key;
 };
 
-constexpr WordField kBatteryWords[] = {
-    {"designCapacity", 0x00, 0}, {"fullChargeCapacity", 0x02, 0}, {"remainingCapacity", 0x04, 0},
-    {"maxError", 0x06, 0},       {"cycleCount", 0x08, 0},         {"temperature", 0x0A, 0},
-    {"voltage", 0x0C, 0},        {"current", 0x0E, -32768},  // two's complement: negative while the battery discharges
-    {"designVoltage", 0x10, 0},  {"batteryStatus", 0x12, 0},
+constexpr std::array kOwnKeys{
+    OwnKey{NORV_BATTERY_STATUS_WORD, "batteryStatus"},
+    OwnKey{NORV_BATTERY_CELL_VOLTAGE_1, "cellVoltages"},
+    OwnKey{NORV_BATTERY_MANUFACTURING_DATE, "manufactureDate"},
 };
 
-constexpr std::size_t kCellVoltagesOffset = 0x14;
-constexpr std::size_t kCellCount = 4;
-
-// A text field, filled up with zeros.
-struct TextField {
-  std::string_view key;
-  std::size_t offset;
-  std::size_t width;
-};
-
-constexpr TextField kBatteryTexts[] = {
-    {"serialNumber", 0x1C, 16},
-    {"manufacturer", 0x2C, 18},
-    {"ctNumber", 0x3E, 16},
-    {"deviceName", 0x4F, 7},
-};
-
-constexpr std::size_t kManufactureDateOffset = 0x5C;
-
-constexpr WordField kCellSwellWords[] = {
-    {"timeCharge", 0, 0},
-    {"timeDischarge", 2, 0},
-    {"timeRelax", 4, 0},
-    {"timeSleep", 6, 0},
-    {"timeFullCharge", 8, 0},
-    {"timeRsoc", 10, 0},
-    {"levelATime", 12, 0},
-    {"levelBTime", 14, 0},
-    {"levelARunningTime", 16, 0},
-    {"levelBRunningTime", 18, 0},
-    {"levelATemperature1Time", 20, 0},
-    {"levelBTemperature1Time", 22, 0},
-    {"levelATemperature2Time", 24, 0},
-    {"levelBTemperature2Time", 26, 0},
-};
-
-void PutWord(std::int64_t value, std::size_t offset, Block& block) {
-  const auto word = static_cast<std::uint16_t>(value);
-  block[offset] = static_cast<unsigned char>(word & 0xFF);
-  block[offset + 1] = static_cast<unsigned char>(word >> 8);
+std::string KeyOf(const fields::Row& row) {
+  const auto* const own =
+      std::find_if(kOwnKeys.begin(), kOwnKeys.end(), [&](const OwnKey& one) { return one.field == row.number; });
+  return std::string(own != kOwnKeys.end() ? own->key : fields::BareKey(row.key));
 }
 
-void ReadWords(const JsonNode& node, std::span<const WordField> fields, Block& block) {
-  for (const WordField& field : fields) {
-    if (const auto member = node.Member(std::string(field.key))) {
-      PutWord(member->WholeNumber(field.least, 65535), field.offset, block);
-    }
-  }
+void PutNumber(const JsonNode& node, firmware::Field place, Block& block) {
+  const std::int64_t least = place.isSigned ? std::numeric_limits<std::int16_t>::min() : 0;
+  const std::int64_t word = node.WholeNumber(least, std::numeric_limits<std::uint16_t>::max());
+  firmware::PutWord(block.data(), place, static_cast<std::uint16_t>(word));
 }
 
-void ReadTexts(const JsonNode& node, Block& block) {
-  for (const TextField& field : kBatteryTexts) {
-    if (const auto member = node.Member(std::string(field.key))) {
-      std::string text = member->ByteText(field.width);
-      text.resize(field.width, '\0');
-      std::transform(text.begin(), text.end(), block.begin() + static_cast<std::ptrdiff_t>(field.offset),
-                     [](char c) { return static_cast<unsigned char>(c); });
-    }
-  }
+// A text is filled up with zeros.
+void PutText(const JsonNode& node, firmware::Field place, Block& block) {
+  std::string text = node.ByteText(place.width);
+  text.resize(place.width, '\0');
+  std::transform(text.begin(), text.end(), block.begin() + static_cast<std::ptrdiff_t>(place.offset),
+                 [](char c) { return static_cast<unsigned char>(c); });
 }
 
-void ReadCellVoltages(const JsonNode& node, Block& block) {
-  std::size_t offset = kCellVoltagesOffset;
-  for (const JsonNode& voltage : node.Items(kCellCount)) {
-    PutWord(voltage.WholeNumber(0, 65535), offset, block);
-    offset += 2;
+// The word itself, or its date, which no calendar need have.
+void PutDate(const JsonNode& node, firmware::Field place, Block& block) {
+  if (!node.IsText()) {
+    PutNumber(node, place, block);
+    return;
   }
-}
-
-// The digits of `text` at `position` as a number; nothing where something else stands.
-std::optional<int> Digits(const std::string& text, std::size_t position, std::size_t count) {
-  int number = 0;
-  for (std::size_t i = position; i < position + count; ++i) {
-    if (text[i] < '0' || text[i] > '9') {
-      return std::nullopt;
-    }
-    number = number * 10 + (text[i] - '0');
-  }
-  return number;
-}
-
-// Years since 1980 in 7 bits, the month in 4, the day in 5: the word can hold dates that no calendar has.
-std::optional<std::int64_t> PackedDate(const std::string& text) {
-  if (text.size() != 10 || text[4] != '-' || text[7] != '-') {
-    return std::nullopt;
-  }
-  const std::optional<int> year = Digits(text, 0, 4);
-  const std::optional<int> month = Digits(text, 5, 2);
-  const std::optional<int> day = Digits(text, 8, 2);
-  const bool fits = year && month && day && *year >= 1980 && *year <= 2107 && *month <= 15 && *day <= 31;
-  return fits ? std::optional<std::int64_t>((*year - 1980) * 512 + *month * 32 + *day) : std::nullopt;
-}
-
-std::int64_t ReadManufactureDate(const JsonNode& node) {
-  const std::optional<std::int64_t> packed = node.IsText() ? PackedDate(node.Text()) : std::nullopt;
-  if (packed.has_value()) {
-    return *packed;
-  }
-  if (node.IsText()) {
+  const auto digits = base::ReadDateDigits(node.Text());
+  const auto date = digits ? firmware::PackedDate{(*digits)[0], (*digits)[1], (*digits)[2]} : firmware::PackedDate{};
+  if (!firmware::CanPack(date)) {
     node.FailExpecting("a date \"YYYY-MM-DD\" with a year from 1980 to 2107, a month up to 15 and a day up to 31");
   }
-  return node.WholeNumber(0, 65535);
+  firmware::PutWord(block.data(), place, firmware::Pack(date));
 }
 
-std::vector<std::string> BlockKeys(std::span<const WordField> words) {
-  std::vector<std::string> keys{"hex"};
-  for (const WordField& field : words) {
-    keys.emplace_back(field.key);
+// Fills the items of a list, and leaves those that the file does not have.
+void PutItems(const JsonNode& node, std::span<const fields::Row* const> items, Block& block) {
+  std::size_t count = 0;
+  for (const JsonNode& item : node.Items(items.size())) {
+    PutNumber(item, items[count++]->place, block);
   }
-  return keys;
+}
+
+void PutField(const JsonNode& node, const fields::Row& row, Block& block) {
+  switch (fields::FormOf(row)) {
+    case fields::Form::Word:
+    case fields::Form::SignedWord:
+      return PutNumber(node, row.place, block);
+    case fields::Form::PackedDate:
+      return PutDate(node, row.place, block);
+    case fields::Form::Text:
+      return PutText(node, row.place, block);
+  }
+}
+
+// How many of the rows, the first one included, are items of the first one's list; 0 where it is in none.
+std::size_t CountItems(std::span<const fields::Row* const> rows) {
+  std::size_t count = 0;
+  while (count < rows.size() && fields::ItemIndex(*rows[count]) == count) {
+    ++count;
+  }
+  return count;
+}
+
+// Calls take(key, rows) for each member that a block may have: with the row of a field, or those of a list's items.
+template <typename Take>
+void ForEachMember(std::span<const fields::Row* const> rows, Take take) {
+  while (!rows.empty()) {
+    const std::size_t count = std::max<std::size_t>(CountItems(rows), 1);
+    take(KeyOf(*rows.front()), rows.first(count));
+    rows = rows.subspan(count);
+  }
+}
+
+Block ReadFields(const JsonNode& node, std::span<const fields::Row* const> rows) {
+  std::vector<std::string> keys{"hex"};
+  ForEachMember(rows, [&](const std::string& key, auto) { keys.push_back(key); });
+  node.ExpectKeys(keys);
+  Block block{};
+  if (const auto hex = node.Member("hex")) {
+    block = ReadBlockHex(*hex);
+  }
+  ForEachMember(rows, [&](const std::string& key, std::span<const fields::Row* const> members) {
+    if (const auto member = node.Member(key)) {
+      fields::ItemIndex(*members.front()) ? PutItems(*member, members, block)
+                                          : PutField(*member, *members.front(), block);
+    }
+  });
+  return block;
 }
 
 // The failures that a slot has for one of its two commands.
@@ -164,36 +146,11 @@ Block ReadBlockHex(const JsonNode& node) {
 }
 
 Block ReadBattery(const JsonNode& node) {
-  std::vector<std::string> keys = BlockKeys(kBatteryWords);
-  keys.emplace_back("cellVoltages");
-  for (const TextField& field : kBatteryTexts) {
-    keys.emplace_back(field.key);
-  }
-  keys.emplace_back("manufactureDate");
-  node.ExpectKeys(keys);
-  Block block{};
-  if (const auto hex = node.Member("hex")) {
-    block = ReadBlockHex(*hex);
-  }
-  ReadWords(node, kBatteryWords, block);
-  if (const auto voltages = node.Member("cellVoltages")) {
-    ReadCellVoltages(*voltages, block);
-  }
-  ReadTexts(node, block);
-  if (const auto date = node.Member("manufactureDate")) {
-    PutWord(ReadManufactureDate(*date), kManufactureDateOffset, block);
-  }
-  return block;
+  return ReadFields(node, fields::kStored<NORV_BATTERY_FROM_INFORMATION_BLOCK>);
 }
 
 Block ReadCellSwell(const JsonNode& node) {
-  node.ExpectKeys(BlockKeys(kCellSwellWords));
-  Block block{};
-  if (const auto hex = node.Member("hex")) {
-    block = ReadBlockHex(*hex);
-  }
-  ReadWords(node, kCellSwellWords, block);
-  return block;
+  return ReadFields(node, fields::kStored<NORV_BATTERY_FROM_CELL_SWELL_BLOCK>);
 }
 
 SlotDescription ReadSlot(const JsonNode& slot) {

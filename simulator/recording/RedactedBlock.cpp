@@ -1,44 +1,19 @@
 #include "recording/RedactedBlock.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
+#include <cstddef>
 
-#include "firmware/BatteryInformationBlock.h"
-#include "firmware/CellSwellProtectionBlock.h"
+#include "fields/Stored.h"
+#include "record/Characters.h"
+#include "record/TrailingDate.h"
 #include "recording/NumberMask.h"
 
 namespace norv::simulator {
 
 namespace {
 
-// A way to write a date: '#' stands for a digit and '-' for any separator.
-struct DateShape {
-  std::string_view layout;
-  std::size_t month;
-  std::size_t day;
-};
-
-// In the order in which a record looks for them.
-constexpr std::array<DateShape, 4> kDateShapes{{
-    {"20##-##-##", 5, 8},
-    {"19-##-##", 3, 6},
-    {"##-##-20##", 0, 3},
-    {"##-##-19", 0, 3},
-}};
-
-bool HasLayout(std::string_view text, std::string_view layout) {
-  return std::equal(text.begin(), text.end(), layout.begin(), layout.end(), [](char c, char wanted) {
-    if (wanted == '#') {
-      return c >= '0' && c <= '9';
-    }
-    return wanted == '-' ? std::string_view("- /.").find(c) != std::string_view::npos : c == wanted;
-  });
-}
-
-int TwoDigits(std::string_view text) {
-  return 10 * (text[0] - '0') + (text[1] - '0');
-}
+namespace fields = shared::battery::fields;
+namespace record = shared::battery::record;
 
 void Clear(Block& block, std::size_t start, std::size_t end) {
   std::fill(block.begin() + static_cast<std::ptrdiff_t>(start), block.begin() + static_cast<std::ptrdiff_t>(end),
@@ -52,16 +27,9 @@ void WriteText(Block& block, const firmware::Field& field, const std::string& te
                  [](char c) { return static_cast<unsigned char>(c); });
 }
 
-std::string KeptManufacturer(const std::string& text, const KeyedHash&) {
-  return text;
-}
-
 // A name that is not of letters and digits alone counts as an empty one.
-std::string KeptDeviceName(const std::string& text, const KeyedHash&) {
-  const bool isName = std::all_of(text.begin(), text.end(), [](char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-  });
-  return isName ? text : "";
+std::string KeptName(const std::string& text) {
+  return record::AreLettersOrDigits(text) ? text : "";
 }
 
 // Assembly, revision, supplier and week stay: thousands of packs share them.
@@ -70,32 +38,38 @@ std::string MaskedCtNumber(const std::string& text, const KeyedHash& hash) {
   return MaskedNumber(text, {std::min(kSharedLength, text.size()), 0}, "CT number", hash);
 }
 
-struct TextRule {
-  firmware::Field field;
-  std::string (*replace)(const std::string& text, const KeyedHash& hash);
-};
+// A text that nothing is known of keeps its length only.
+std::string Replaced(const fields::Row& row, const std::string& text, const KeyedHash& hash) {
+  switch (row.number) {
+    case NORV_BATTERY_SERIAL_NUMBER:
+      return MaskedSerialNumber(text, hash);
+    case NORV_BATTERY_MANUFACTURER:
+      return text;
+    case NORV_BATTERY_CT_NUMBER:
+      return MaskedCtNumber(text, hash);
+    case NORV_BATTERY_DEVICE_NAME:
+      return KeptName(text);
+    default:
+      return std::string(text.size(), 'x');
+  }
+}
 
-constexpr std::array<TextRule, 4> kBlockTexts{{
-    {firmware::kSerialNumber, MaskedSerialNumber},
-    {firmware::kManufacturer, KeptManufacturer},
-    {firmware::kCtNumber, MaskedCtNumber},
-    {firmware::kDeviceName, KeptDeviceName},
-}};
+// Clears what lies between the fields and after them.
+template <norv_battery_source kSource>
+void ClearGaps(Block& block) {
+  std::size_t end = 0;
+  for (const fields::Row* row : fields::kStored<kSource>) {
+    Clear(block, end, row->place.offset);
+    end = row->place.End();
+  }
+  Clear(block, end, block.size());
+}
 
 }  // namespace
 
 std::size_t TrailingDateLength(const std::string& serialNumber) {
-  for (const DateShape& shape : kDateShapes) {
-    if (serialNumber.size() >= shape.layout.size()) {
-      const std::string_view end = std::string_view(serialNumber).substr(serialNumber.size() - shape.layout.size());
-      const int month = TwoDigits(end.substr(shape.month));
-      const int day = TwoDigits(end.substr(shape.day));
-      if (HasLayout(end, shape.layout) && month >= 1 && month <= 12 && day >= 1 && day <= 31) {
-        return shape.layout.size();
-      }
-    }
-  }
-  return 0;
+  const auto date = record::FindTrailingDate(serialNumber);
+  return date ? date->length : 0;
 }
 
 // The next number of its permutation that ends in the same date is the replacement: that is a permutation, too, of the
@@ -110,17 +84,17 @@ std::string MaskedSerialNumber(const std::string& number, const KeyedHash& hash)
 }
 
 void RedactBattery(Block& block, const KeyedHash& hash) {
-  for (const TextRule& rule : kBlockTexts) {
-    const std::string text(firmware::Text(block.data(), rule.field));
-    WriteText(block, rule.field, rule.replace(text, hash));
+  for (const fields::Row* row : fields::kStored<NORV_BATTERY_FROM_INFORMATION_BLOCK>) {
+    if (fields::FormOf(*row) == fields::Form::Text) {
+      const std::string text(firmware::Text(block.data(), row->place));
+      WriteText(block, row->place, Replaced(*row, text, hash));
+    }
   }
-  Clear(block, firmware::kCtNumber.End(), firmware::kDeviceName.offset);
-  Clear(block, firmware::kDeviceName.End(), firmware::kManufactureDate.offset);
-  Clear(block, firmware::kManufactureDate.End(), block.size());
+  ClearGaps<NORV_BATTERY_FROM_INFORMATION_BLOCK>(block);
 }
 
 void RedactCellSwell(Block& block) {
-  Clear(block, firmware::kLevelBTemperature2Time.End(), block.size());
+  ClearGaps<NORV_BATTERY_FROM_CELL_SWELL_BLOCK>(block);
 }
 
 }  // namespace norv::simulator

@@ -226,15 +226,4 @@ constexpr const Row& RowOf(norv_battery_field field) {
   return kCatalogue[static_cast<std::size_t>(field) - 1];
 }
 
-// True for what a block has of its own at its place, and not read out of another field.
-constexpr bool IsStored(const Row& row) {
-  const Row* first = nullptr;
-  for (const Row& other : kCatalogue) {
-    const bool isThere =
-        other.source == row.source && other.place.offset <= row.place.offset && row.place.offset < other.place.End();
-    first = first == nullptr && isThere ? &other : first;
-  }
-  return row.place.width != 0 && first == &row;
-}
-
 }  // namespace norv::shared::battery::fields

@@ -1,7 +1,9 @@
 // What there is to know of a field of a battery, and what one answers.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "battery/norv_battery.h"
@@ -63,6 +65,20 @@ struct Row {
 };
 
 inline constexpr int kNoBit = -1;
+
+// "voltages" of "voltages[0]", "flags" of "status.flags".
+constexpr std::string_view BareKey(std::string_view key) {
+  key = key.substr(0, key.find('['));
+  return key.substr(key.rfind('.') + 1);
+}
+
+// The place of an item in its list; nothing for a field that is in none.
+constexpr std::optional<std::size_t> ItemIndex(const Row& row) {
+  const std::string_view key = row.key;
+  const std::size_t bracket = key.find('[');
+  return bracket != std::string_view::npos ? std::optional(static_cast<std::size_t>(key[bracket + 1] - '0'))
+                                           : std::nullopt;
+}
 
 // The BIOS settings come as UTF-8. Other texts are bytes without a stated encoding: each stands for the character of
 // its number.

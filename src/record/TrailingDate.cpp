@@ -49,7 +49,8 @@ std::optional<TrailingDate> Match(std::string_view text, const DateShape& shape)
     }
   }
   const TrailingDate date{base::ReadDigits(text.substr(shape.year, shape.yearDigits)),
-                          base::ReadDigits(text.substr(shape.month, 2)), base::ReadDigits(text.substr(shape.day, 2))};
+                          base::ReadDigits(text.substr(shape.month, 2)), base::ReadDigits(text.substr(shape.day, 2)),
+                          text.size()};
   const bool exists = date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31;
   return exists ? std::optional(date) : std::nullopt;
 }

@@ -1,6 +1,7 @@
 // The date at the end of a serial number.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -10,6 +11,7 @@ struct TrailingDate {
   int year;
   int month;
   int day;
+  std::size_t length;  // of its text
 };
 
 // Finds year, month and day, or month, day and year, at the very end of `text`, joined by '-', '/', '.' or a blank. A

@@ -1,58 +1,26 @@
 #include "encode/BlockFromJson.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "Day.h"
+#include "fields/Stored.h"
+#include "firmware/BatteryInformationBlock.h"
+#include "firmware/PackedDate.h"
 #include "json/Describe.h"
 
 namespace norv::tool {
 
 namespace {
 
+namespace fields = shared::battery::fields;
+
 using json::Value;
-
-// A 16-bit little-endian word of a block.
-struct WordField {
-  const char* group = "";
-  const char* key = "";
-  std::size_t offset = 0;
-  std::int64_t lowest = 0;
-};
-
-constexpr std::array<WordField, 10> kWords{{
-    {"capacity", "designCapacity", 0x00},
-    {"capacity", "fullChargeCapacity", 0x02},
-    {"capacity", "remainingCapacity", 0x04},
-    {"capacity", "maxError", 0x06},
-    {"capacity", "cycleCount", 0x08},
-    {"capacity", "temperature", 0x0A},
-    {"capacity", "voltage", 0x0C},
-    {"capacity", "current", 0x0E, -0x8000},
-    {"capacity", "designVoltage", 0x10},
-    {"status", "word", 0x12},
-}};
-
-constexpr std::size_t kCellVoltages = 0x14;
-constexpr std::size_t kCellVoltageCount = 4;
-
-struct TextField {
-  const char* key;  // of the identity
-  std::size_t offset;
-  std::size_t width;
-};
-
-constexpr std::array<TextField, 4> kTexts{{
-    {"serialNumber", 0x1C, 16},
-    {"manufacturer", 0x2C, 18},
-    {"ctNumber", 0x3E, 16},
-    {"deviceName", 0x4F, 7},
-}};
-
-constexpr std::size_t kManufactureDate = 0x5C;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& expected, const Value& found) {
   throw BlockValueError(path + ": expected " + expected + ", found " + json::Describe(found));
@@ -70,11 +38,6 @@ const Value& Member(const Value& battery, const std::string& group, const std::s
   return *inner;
 }
 
-void PutWord(Block& block, std::size_t offset, std::uint64_t word) {
-  block[offset] = static_cast<unsigned char>(word & 0xFFU);
-  block[offset + 1] = static_cast<unsigned char>(word >> 8U);
-}
-
 // Nothing for what is no whole number of `lowest` to 65535; a negative one becomes its two's complement.
 std::optional<std::uint16_t> WordOf(const Value& number, std::int64_t lowest) {
   constexpr std::uint64_t kHighest = 0xFFFF;
@@ -86,23 +49,22 @@ std::optional<std::uint16_t> WordOf(const Value& number, std::int64_t lowest) {
                                                     : std::nullopt;
 }
 
-void PutNumber(Block& block, std::size_t offset, const Value& number, const std::string& path,
-               std::int64_t lowest = 0) {
+void PutNumber(Block& block, firmware::Field place, const Value& number, const std::string& path) {
+  const std::int64_t lowest = place.isSigned ? std::numeric_limits<std::int16_t>::min() : 0;
   const auto word = WordOf(number, lowest);
   if (!word) {
     Fail(path, "a whole number of " + std::to_string(lowest) + " to 65535", number);
   }
-  PutWord(block, offset, *word);
+  firmware::PutWord(block.data(), place, *word);
 }
 
-void PutCells(Block& block, const Value& voltages) {
-  const auto* const cells = voltages.As<json::Array>();
-  if (cells == nullptr || cells->size() != kCellVoltageCount) {
-    Fail("cells.voltages", "an array of four numbers", voltages);
+// The items of a list are those of the four cells.
+const Value& ItemOf(const Value& list, std::size_t index, const std::string& path) {
+  const auto* const items = list.As<json::Array>();
+  if (items == nullptr || items->size() != firmware::kCellCount) {
+    Fail(path, "an array of four numbers", list);
   }
-  for (std::size_t cell = 0; cell < kCellVoltageCount; ++cell) {
-    PutNumber(block, kCellVoltages + 2 * cell, (*cells)[cell], json::ItemPath("cells.voltages", cell));
-  }
+  return (*items)[index];
 }
 
 // The bytes that the code points U+0001 to U+00FF of `text`, which is UTF-8, stand for; nothing when it has others. A
@@ -124,52 +86,57 @@ std::optional<std::string> BytesOf(const std::string& text) {
   return bytes;
 }
 
-void PutText(Block& block, const TextField& field, const Value& text) {
+void PutText(Block& block, firmware::Field place, const Value& text, const std::string& path) {
   const auto* const characters = text.As<std::string>();
   const auto bytes = characters != nullptr ? BytesOf(*characters) : std::nullopt;
-  if (!bytes || bytes->size() > field.width) {
-    Fail(std::string("identity.") + field.key,
-         "a text of at most " + std::to_string(field.width) + " characters, U+0001 to U+00FF", text);
+  if (!bytes || bytes->size() > place.width) {
+    Fail(path, "a text of at most " + std::to_string(place.width) + " characters, U+0001 to U+00FF", text);
   }
-  std::size_t position = field.offset;
-  for (const char byte : *bytes) {
-    block[position++] = static_cast<unsigned char>(byte);
-  }
+  std::transform(bytes->begin(), bytes->end(), block.begin() + static_cast<std::ptrdiff_t>(place.offset),
+                 [](char byte) { return static_cast<unsigned char>(byte); });
 }
 
 // An empty date stands for every word that is no date; zero is one of them.
-void PutDate(Block& block, const Value& date) {
-  constexpr int kFirstYear = 1980;
-  constexpr int kLastYear = kFirstYear + 127;
+void PutDate(Block& block, firmware::Field place, const Value& date, const std::string& path) {
   constexpr std::string_view kMidnight = "T00:00:00+00:00";
   const std::string text = date.Is<std::string>() ? *date.As<std::string>() : "no text";
   if (text.empty()) {
     return;
   }
-  const auto packed = text.ends_with(kMidnight)
-                          ? ParseDay(std::string_view(text).substr(0, text.size() - kMidnight.size()))
-                          : std::nullopt;
-  if (!packed || packed->year < kFirstYear || packed->year > kLastYear) {
-    Fail("dates.manufacturingDate", "\"YYYY-MM-DDT00:00:00+00:00\" with a year of 1980 to 2107, or an empty text",
-         date);
+  const auto day = text.ends_with(kMidnight)
+                       ? ParseDay(std::string_view(text).substr(0, text.size() - kMidnight.size()))
+                       : std::nullopt;
+  const auto packed = day ? firmware::PackedDate{day->year, day->month, day->day} : firmware::PackedDate{};
+  if (!firmware::CanPack(packed)) {
+    Fail(path, "\"YYYY-MM-DDT00:00:00+00:00\" with a year of 1980 to 2107, or an empty text", date);
   }
-  PutWord(block, kManufactureDate,
-          static_cast<std::uint64_t>((packed->year - kFirstYear) << 9 | packed->month << 5 | packed->day));
+  firmware::PutWord(block.data(), place, firmware::Pack(packed));
+}
+
+void PutField(Block& block, const fields::Row& row, const Value& value, const std::string& path) {
+  switch (fields::FormOf(row)) {
+    case fields::Form::Word:
+    case fields::Form::SignedWord:
+      return PutNumber(block, row.place, value, path);
+    case fields::Form::PackedDate:
+      return PutDate(block, row.place, value, path);
+    case fields::Form::Text:
+      return PutText(block, row.place, value, path);
+  }
 }
 
 }  // namespace
 
 Block BlockFromJson(const Value& battery) {
   Block block{};
-  for (const WordField& field : kWords) {
-    PutNumber(block, field.offset, Member(battery, field.group, field.key), std::string(field.group) + "." + field.key,
-              field.lowest);
+  for (const fields::Row* row : fields::kStored<NORV_BATTERY_FROM_INFORMATION_BLOCK>) {
+    const std::string group = row->group->key;
+    const std::string key(fields::BareKey(row->key));
+    const Value& member = Member(battery, group, key);
+    const auto index = fields::ItemIndex(*row);
+    const Value& value = index ? ItemOf(member, *index, group + "." + key) : member;
+    PutField(block, *row, value, group + "." + row->key);
   }
-  PutCells(block, Member(battery, "cells", "voltages"));
-  for (const TextField& field : kTexts) {
-    PutText(block, field, Member(battery, "identity", field.key));
-  }
-  PutDate(block, Member(battery, "dates", "manufacturingDate"));
   return block;
 }
 

@@ -35,7 +35,9 @@ constexpr int SignedCurrent(std::int64_t word) {
 
 namespace catalogue {
 
+using fields::BareKey;
 using fields::Group;
+using fields::ItemIndex;
 using fields::kCatalogue;
 using fields::Row;
 
@@ -54,26 +56,12 @@ constexpr Literal<kLength> ToLiteral(std::string_view text) {
   return literal;
 }
 
-// "voltages" of "voltages[0]", "flags" of "status.flags".
-constexpr std::string_view BareKey(std::string_view key) {
-  key = key.substr(0, key.find('['));
-  return key.substr(key.rfind('.') + 1);
-}
-
 template <std::size_t kIndex>
 inline constexpr auto kKey = ToLiteral<BareKey(kCatalogue[kIndex].key).size()>(BareKey(kCatalogue[kIndex].key));
 
 template <std::size_t kIndex>
 inline constexpr auto kGroupKey =
     ToLiteral<BareKey(kCatalogue[kIndex].group->key).size()>(BareKey(kCatalogue[kIndex].group->key));
-
-constexpr bool IsItem(const Row& row) {
-  return std::string_view(row.key).ends_with(']');
-}
-
-constexpr bool IsFirstItem(const Row& row) {
-  return std::string_view(row.key).ends_with("[0]");
-}
 
 constexpr bool IsFirstOfGroup(std::size_t index) {
   return index == 0 || kCatalogue[index].group != kCatalogue[index - 1].group;
@@ -91,8 +79,7 @@ constexpr std::size_t EndOfGroup(std::size_t first) {
 // How many items the list that begins with row `first` has.
 constexpr std::size_t CountItems(std::size_t first) {
   std::size_t count = 1;
-  while (first + count < kCatalogue.size() && IsItem(kCatalogue[first + count]) &&
-         !IsFirstItem(kCatalogue[first + count])) {
+  while (first + count < kCatalogue.size() && ItemIndex(kCatalogue[first + count]) == count) {
     ++count;
   }
   return count;
@@ -184,9 +171,9 @@ void WriteField(Sink& sink, const Battery& battery) {
     return;
   } else if constexpr (kRow.number == NORV_BATTERY_AGE) {
     WriteAge<kIndex>(sink, battery);
-  } else if constexpr (IsFirstItem(kRow)) {
+  } else if constexpr (ItemIndex(kRow) == 0) {
     WriteItems<kIndex>(sink, battery);
-  } else if constexpr (!IsItem(kRow)) {
+  } else if constexpr (!ItemIndex(kRow)) {
     WriteValue<kIndex>(sink, battery);
   }
 }
