@@ -16,6 +16,10 @@ namespace norv::shared::battery {
 class BiosBatterySettings;
 class NorvBatteryTestInfo;
 
+namespace record {
+struct RecordMaker;
+}
+
 // Decodes the 128-byte battery-information block of one battery and answers every question about it.
 //
 // Numbers carry no unit of their own: each is the BIOS's unsigned 16-bit word, 0 to 65535, as the firmware gave it. The
@@ -177,6 +181,11 @@ class NORV_BATTERY_API NorvBatteryInfo {
   };
 
   NorvBatteryInfo();  // a record without texts, which must not be asked for any
+
+  // A record with the rates given, which the library alone makes. A template, so that Windows does not export it.
+  friend struct record::RecordMaker;
+  template <typename Rates>
+  NORV_BATTERY_HIDDEN NorvBatteryInfo(const unsigned char* block, const Rates& rates);
 
   unsigned char block_[128];
   int designVoltage_;

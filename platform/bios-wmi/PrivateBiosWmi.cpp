@@ -1,14 +1,9 @@
 #include "norv/shared/norvbios/PrivateBiosWmi.h"
 
+#include "SystemCodes.h"
 #include "norv/platform/Platform.h"
 
 namespace norv::shared::norvbios {
-
-namespace {
-
-constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);  // E_INVALIDARG
-
-}  // namespace
 
 PrivateBiosWmi::PrivateBiosWmi() = default;
 
@@ -23,7 +18,7 @@ std::int32_t PrivateBiosWmi::ExecuteCommand(std::uint32_t first, std::uint32_t s
 std::int32_t PrivateBiosWmi::ValidateInput(std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
                                            const unsigned char* input, std::uint32_t /*inputSize*/,
                                            unsigned char* output, std::uint32_t* returnCode) {
-  return input == nullptr || output == nullptr || returnCode == nullptr ? kInvalidArgument : 0;
+  return input == nullptr || output == nullptr || returnCode == nullptr ? platform::kInvalidArgument : 0;
 }
 
 }  // namespace norv::shared::norvbios

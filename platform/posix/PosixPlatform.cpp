@@ -10,20 +10,19 @@
 #include <string_view>
 
 #include "../OrdinaryFile.h"
+#include "../SystemCodes.h"
 #include "../SystemMessages.h"
 #include "../SystemPlatform.h"
 #include "../system-battery/SystemBattery.h"
+#include "ErrnoCodes.h"
 #include "OwnModule.h"
 #include "PowerSupply.h"
 #include "RunProgram.h"
 #include "SupplyFolder.h"
-#include "SystemCodes.h"
 
 namespace norv::platform {
 
 namespace {
-
-constexpr auto kClassNotRegistered = static_cast<std::int32_t>(0x80040154U);  // REGDB_E_CLASSNOTREG
 
 // Why the last operation of this thread failed. errno is 0 beside it: a later failure of the C library shows there.
 thread_local std::uint32_t lastCode = 0;
@@ -39,7 +38,7 @@ void SetLastCode(std::uint32_t code) {
 std::optional<std::string> NativeProgram(const char* path) {
   std::string native = path != nullptr ? path : "";
   if (!native.starts_with('/')) {
-    SetLastCode(posix::kBadPathName);
+    SetLastCode(kBadPathName);
     return std::nullopt;
   }
   native[native.find_last_of("\\/")] = '/';
@@ -116,7 +115,7 @@ class PosixPlatform : public Platform {
     const auto parsed =
         ParseVersion(ReadOrdinaryFile((*program + ".version").c_str(), kLongestVersionFile).value_or(""));
     if (!parsed) {
-      SetLastCode(posix::kResourceDataNotFound);
+      SetLastCode(kResourceDataNotFound);
       return false;
     }
     version = *parsed;
@@ -145,11 +144,11 @@ class PosixPlatform : public Platform {
   std::uint32_t FormatSystemMessage(std::uint32_t code, char* buffer, std::uint32_t size) override {
     const auto text = SystemMessage(code);
     if (!text) {
-      SetLastCode(posix::kMessageNotFound);
+      SetLastCode(kMessageNotFound);
       return 0;
     }
     if (text->size() >= size) {
-      SetLastCode(posix::kInsufficientBuffer);
+      SetLastCode(kInsufficientBuffer);
       return 0;
     }
     buffer[text->copy(buffer, text->size())] = '\0';

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "../SystemCodes.h"
 #include "firmware/BatteryInformationBlock.h"
 #include "firmware/Commands.h"
 #include "firmware/PackedDate.h"
@@ -195,7 +196,6 @@ std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::u
                                const unsigned char* input, std::uint32_t inputSize, unsigned char* output,
                                std::uint32_t* returnCode,
                                const std::function<std::optional<SystemBattery>(std::uint32_t slot)>& read) {
-  constexpr auto kInvalidArgument = static_cast<std::int32_t>(0x80070057U);  // E_INVALIDARG
   constexpr auto kBatteryInformation = static_cast<std::uint32_t>(firmware::Command::BatteryInformation);
   if (input == nullptr || inputSize == 0 || output == nullptr || returnCode == nullptr) {
     return kInvalidArgument;

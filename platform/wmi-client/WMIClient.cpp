@@ -1,14 +1,9 @@
 #include "norv/shared/wmi/WMIClient.h"
 
+#include "SystemCodes.h"
 #include "norv/platform/Platform.h"
 
 namespace norv::shared::wmi {
-
-namespace {
-
-constexpr auto kNoConnection = static_cast<long>(static_cast<std::int32_t>(0x80004005U));  // E_FAIL
-
-}  // namespace
 
 WMIClient::WMIClient(const std::wstring& namespacePath)
     : connectCode_(platform::Platform::Current().ConnectWmi(namespacePath, connection_)) {
@@ -18,7 +13,7 @@ WMIClient::~WMIClient() = default;
 
 long WMIClient::Query(const std::wstring& wql) {
   if (connection_ == nullptr) {
-    return connectCode_ != 0 ? connectCode_ : kNoConnection;
+    return connectCode_ != 0 ? connectCode_ : platform::kUnspecifiedFailure;
   }
   return connection_->Query(wql);
 }
@@ -28,7 +23,7 @@ bool WMIClient::GetNext() {
 }
 
 long WMIClient::GetValue(const std::wstring& property, std::string& value) {
-  return connection_ != nullptr ? connection_->ReadText(property, value) : kNoConnection;
+  return connection_ != nullptr ? connection_->ReadText(property, value) : platform::kUnspecifiedFailure;
 }
 
 bool WMIClient::GetUInt32(const std::wstring& property, std::uint32_t& value) {

@@ -14,10 +14,9 @@
 #include "c-interface/Interface.h"
 #include "c-interface/Texts.h"
 #include "fields/Catalogue.h"
-#include "record/OperatingSystemRates.h"
+#include "record/RecordMaker.h"
 
 using norv::firmware::kBlockSize;
-using norv::shared::battery::NorvBatteryInfo;
 using norv::shared::battery::c_interface::CheckStructure;
 using norv::shared::battery::c_interface::CopyErrorText;
 using norv::shared::battery::c_interface::CopyText;
@@ -31,7 +30,7 @@ using norv::shared::battery::c_interface::Using;
 using norv::shared::battery::c_interface::WriteError;
 using norv::shared::battery::fields::kCatalogue;
 using norv::shared::battery::fields::Row;
-using norv::shared::battery::record::WithoutOperatingSystemRates;
+using norv::shared::battery::record::RecordMaker;
 
 static_assert(NORV_BATTERY_BLOCK_SIZE == kBlockSize);
 
@@ -126,9 +125,8 @@ norv_battery_status CheckBlocks(const std::uint8_t* block, std::size_t blockSize
 }
 
 std::unique_ptr<norv_battery_record> Decode(const std::uint8_t* block, const std::uint8_t* cellSwell) {
-  const WithoutOperatingSystemRates offline;
   auto record = std::make_unique<norv_battery_record>();
-  record->owned = std::make_unique<NorvBatteryInfo>(block);
+  record->owned = RecordMaker::Make(block, {});
   record->info = record->owned.get();
   std::copy_n(block, kBlockSize, record->block.begin());
   if (cellSwell != nullptr) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdlib>
 
+#include "base/Digits.h"
 #include "firmware/PackedDate.h"
 #include "record/Characters.h"
 
@@ -13,6 +13,7 @@ namespace norv::shared::battery::record {
 namespace {
 
 constexpr std::string_view kLayout = "0000-00-00T00:00:00?00:00";  // '?' stands for the sign of the offset
+constexpr std::string_view kMidnight = "0000-00-00T00:00:00+00:00";
 constexpr std::size_t kSign = 19;
 
 // A number inside the text, and what it may be.
@@ -29,28 +30,23 @@ constexpr Part kDay{8, 2, 1, 31};
 constexpr Part kHour{11, 2, 0, 23};
 constexpr Part kMinute{14, 2, 0, 59};
 constexpr Part kSecond{17, 2, 0, 60};
-constexpr Part kOffsetHours{20, 2, 0, 99};
 
 using Characters = std::array<char, kLayout.size()>;
 
 int Read(std::string_view text, Part part) {
-  int value = 0;
-  for (const char digit : text.substr(part.position, part.digits)) {
-    value = 10 * value + (digit - '0');
-  }
-  return value;
+  return base::ReadDigits(text.substr(part.position, part.digits));
 }
 
-// Writes `value` with leading zeros. False when the part may not be that.
-bool Write(Characters& text, Part part, int value) {
-  if (value < part.lowest || value > part.highest) {
-    return false;
-  }
+bool IsWithin(Part part, int value) {
+  return value >= part.lowest && value <= part.highest;
+}
+
+// Writes `value`, which is within the part, with leading zeros.
+void Write(Characters& text, Part part, int value) {
   for (std::size_t end = part.position + part.digits; end > part.position; --end) {
     text[end - 1] = static_cast<char>('0' + value % 10);
     value /= 10;
   }
-  return true;
 }
 
 struct Warranty {
@@ -71,36 +67,34 @@ bool IsDateTimeText(std::string_view text) {
     return false;
   }
   constexpr std::array kRanged{kMonth, kDay, kHour, kMinute, kSecond};
-  return std::all_of(kRanged.begin(), kRanged.end(), [text](Part part) {
-    const int value = Read(text, part);
-    return value >= part.lowest && value <= part.highest;
-  });
+  return std::all_of(kRanged.begin(), kRanged.end(), [text](Part part) { return IsWithin(part, Read(text, part)); });
 }
 
-DateTimeText ComposeDateTime(const DateTime& dateTime) {
+DateTimeText ComposeDateTime(const Date& date) {
+  if (!IsWithin(kYear, date.year) || !IsWithin(kMonth, date.month) || !IsWithin(kDay, date.day)) {
+    return {};
+  }
   Characters text{};
-  std::copy(kLayout.begin(), kLayout.end(), text.begin());
-  text[kSign] = dateTime.offsetHours < 0 ? '-' : '+';
-  const bool complete = Write(text, kYear, dateTime.year) && Write(text, kMonth, dateTime.month) &&
-                        Write(text, kDay, dateTime.day) && Write(text, kHour, dateTime.hour) &&
-                        Write(text, kMinute, dateTime.minute) && Write(text, kSecond, dateTime.second) &&
-                        Write(text, kOffsetHours, std::abs(dateTime.offsetHours));
-  return complete ? DateTimeText({text.data(), text.size()}) : DateTimeText();
+  std::copy(kMidnight.begin(), kMidnight.end(), text.begin());
+  Write(text, kYear, date.year);
+  Write(text, kMonth, date.month);
+  Write(text, kDay, date.day);
+  return DateTimeText({text.data(), text.size()});
 }
 
-DateTime ReadDate(std::string_view text) {
+Date ReadDate(std::string_view text) {
   if (!IsDateTimeText(text)) {
     return {};
   }
   return {.year = Read(text, kYear), .month = Read(text, kMonth), .day = Read(text, kDay)};
 }
 
-DateTime UnpackDate(unsigned short packed) {
+Date UnpackDate(unsigned short packed) {
   const firmware::PackedDate date = firmware::Unpack(packed);
   return {.year = date.year, .month = date.month, .day = date.day};
 }
 
-DateTime AddWarranty(DateTime made, std::string_view warrantyType) {
+Date AddWarranty(Date made, std::string_view warrantyType) {
   for (const Warranty& warranty : kWarranties) {
     if (warranty.type == warrantyType) {
       made.year += warranty.years;

@@ -7,14 +7,10 @@
 
 namespace norv::shared::battery::record {
 
-struct DateTime {
+struct Date {
   int year = 0;
   int month = 0;
   int day = 0;
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
-  int offsetHours = 0;
 };
 
 using DateTimeText = FixedText<25>;
@@ -23,17 +19,17 @@ using DateTimeText = FixedText<25>;
 // minute of 0 to 59 and a second of 0 to 60 (a leap second).
 bool IsDateTimeText(std::string_view text);
 
-// The text of `dateTime`; the empty text when it would not be a date-time text.
-DateTimeText ComposeDateTime(const DateTime& dateTime);
+// The text of midnight of `date`; the empty text when it would not be a date-time text.
+DateTimeText ComposeDateTime(const Date& date);
 
 // Year, month and day of a date-time text; all 0 when it is none.
-DateTime ReadDate(std::string_view text);
+Date ReadDate(std::string_view text);
 
 // The date of a packed word. No range is tested.
-DateTime UnpackDate(unsigned short packed);
+Date UnpackDate(unsigned short packed);
 
 // `made` moved forward by a warranty type, "6_MONTHS", "1_YEAR", "2_YEARS" or "3_YEARS"; any other moves nothing. The
 // day stays, also where the month has no such day.
-DateTime AddWarranty(DateTime made, std::string_view warrantyType);
+Date AddWarranty(Date made, std::string_view warrantyType);
 
 }  // namespace norv::shared::battery::record

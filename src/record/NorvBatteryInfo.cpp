@@ -19,6 +19,7 @@
 #include "record/ManufacturerText.h"
 #include "record/OperatingSystemRates.h"
 #include "record/Percentage.h"
+#include "record/RecordMaker.h"
 #include "record/Status.h"
 #include "record/TrailingDate.h"
 #include "record/Truncation.h"
@@ -101,6 +102,11 @@ NorvBatteryInfo::NorvBatteryInfo()
 }
 
 NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block)
+    : NorvBatteryInfo(block, record::ReadOperatingSystemRates()) {
+}
+
+template <typename Rates>
+NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block, const Rates& rates)
     : designVoltage_(firmware::Word(block, firmware::kDesignVoltage)),
       designEnergyCapacity_(firmware::Word(block, firmware::kDesignCapacity)),
       fullEnergyCapacity_(firmware::Word(block, firmware::kFullChargeCapacity)),
@@ -113,8 +119,8 @@ NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block)
       statusWord_(firmware::Word(block, firmware::kBatteryStatus)),
       cellSwellProtection_(nullptr),
       testInfo_(nullptr),
-      chargeRate_(0),
-      dischargeRate_(0),
+      chargeRate_(rates.charge),
+      dischargeRate_(rates.discharge),
       ctNumberPattern_(kCtNumberPattern),
       settings_(nullptr),
       holdings_(std::make_shared<Holdings>()) {
@@ -130,10 +136,10 @@ NorvBatteryInfo::NorvBatteryInfo(const unsigned char* const block)
 
   SetManufacturingDate(static_cast<unsigned short>(firmware::Word(block, firmware::kManufactureDate)));
   SetWarrantyDate();
+}
 
-  const record::Rates rates = record::ReadOperatingSystemRates();
-  chargeRate_ = rates.charge;
-  dischargeRate_ = rates.discharge;
+std::unique_ptr<NorvBatteryInfo> record::RecordMaker::Make(const unsigned char* block, const Rates& rates) {
+  return std::unique_ptr<NorvBatteryInfo>(new NorvBatteryInfo(block, rates));
 }
 
 NorvBatteryInfo::NorvBatteryInfo(const NorvBatteryInfo& other) = default;
@@ -242,7 +248,7 @@ void NorvBatteryInfo::SetManufacturingDate(unsigned short packed) {
 void NorvBatteryInfo::SetWarrantyDate() {
   // A derived class sees which of the two is asked for first.
   const std::string_view warrantyType = GetWarrantyType();
-  const record::DateTime made = record::ReadDate(GetManufacturingDate());
+  const record::Date made = record::ReadDate(GetManufacturingDate());
   holdings_->warrantyDate = record::ComposeDateTime(record::AddWarranty(made, warrantyType));
 }
 

@@ -10,8 +10,6 @@ namespace norv::shared::battery::record {
 
 namespace {
 
-thread_local bool isLeftOut = false;
-
 // Plain data, which outlives the kept question: a host's own static objects may ask when that is gone.
 bool isKeptQuestionGone = false;
 
@@ -60,18 +58,7 @@ Rates Query() {
 
 }  // namespace
 
-WithoutOperatingSystemRates::WithoutOperatingSystemRates() {
-  isLeftOut = true;
-}
-
-WithoutOperatingSystemRates::~WithoutOperatingSystemRates() {
-  isLeftOut = false;
-}
-
 Rates ReadOperatingSystemRates() {
-  if (isLeftOut) {
-    return {};
-  }
   try {
     return Query();
   } catch (const std::bad_alloc&) {

@@ -11,13 +11,4 @@ struct Rates {
 // Asks WMI. 0 where it gave none; a failure other than the lack of memory is not reported.
 Rates ReadOperatingSystemRates();
 
-// While one lives, this thread's records are made without asking: they are of blocks that need not be this machine's.
-class WithoutOperatingSystemRates {
- public:
-  WithoutOperatingSystemRates();
-  WithoutOperatingSystemRates(const WithoutOperatingSystemRates&) = delete;
-  WithoutOperatingSystemRates& operator=(const WithoutOperatingSystemRates&) = delete;
-  ~WithoutOperatingSystemRates();
-};
-
 }  // namespace norv::shared::battery::record

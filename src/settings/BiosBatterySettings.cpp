@@ -9,7 +9,7 @@ namespace norv::shared::battery {
 
 namespace {
 
-constexpr const char* kNotSupported = "Not supported";
+constexpr const char* kSettingMissing = "Not supported";
 
 bool FindSetting(wmi::WMIClient& client, const std::wstring& name) {
   return client.Query(L"SELECT * FROM Norv_BIOSSetting where Name = '" + name + L"'") == 0 && client.GetNext();
@@ -19,7 +19,7 @@ bool FindSetting(wmi::WMIClient& client, const std::wstring& name) {
 std::string ReadAdaptiveBatteryExtender(wmi::WMIClient& client) {
   std::string value;
   if (!FindSetting(client, L"Adaptive Battery Extender") || client.GetValue(L"CurrentValue", value) != 0) {
-    return kNotSupported;
+    return kSettingMissing;
   }
   if (value != "Enable") {
     return "Disabled - Not Activated";
@@ -32,7 +32,7 @@ std::string ReadAdaptiveBatteryExtender(wmi::WMIClient& client) {
 
 }  // namespace
 
-BiosBatterySettings::BiosBatterySettings() : adaptiveBatteryOptimizer_(kNotSupported), batteryCare_(kNotSupported) {
+BiosBatterySettings::BiosBatterySettings() : adaptiveBatteryOptimizer_(kSettingMissing), batteryCare_(kSettingMissing) {
   if (IsPlatformExcluded()) {
     return;
   }

@@ -9,7 +9,7 @@
 #include "battery/NorvBatteryInfo.h"
 #include "norv/simulator/FaultInjector.h"
 #include "norv/simulator/SimulatedMachine.h"
-#include "record/OperatingSystemRates.h"
+#include "record/RecordMaker.h"
 #include "unit/support/TestBlock.h"
 
 namespace norv::test {
@@ -119,15 +119,14 @@ TEST(OperatingSystemRates, AreZeroWhenWmiThrows) {
   }
 }
 
-TEST(OperatingSystemRates, AreLeftOutForAsLongAsThatLasts) {
+TEST(OperatingSystemRates, AreNotAskedForWhereTheyAreGiven) {
   const auto machine = simulator::SimulatedMachine::FromText(
       R"({"description": "test", "wmi": {"\\\\.\\root\\wmi": {"BatteryStatus": [{"ChargeRate": 7}]}}})", "here");
-  {
-    const shared::battery::record::WithoutOperatingSystemRates offline;
-    EXPECT_EQ(NorvBatteryInfo(TestBlock().Data()).GetBatteryChargeRate(), 0U);
-    EXPECT_THAT(machine->Operations(), IsEmpty());
-  }
-  EXPECT_EQ(NorvBatteryInfo(TestBlock().Data()).GetBatteryChargeRate(), 7U);
+  const auto record = shared::battery::record::RecordMaker::Make(TestBlock().Word(0x08, 12).Data(), {3, 4});
+  EXPECT_EQ(record->GetBatteryChargeRate(), 3U);
+  EXPECT_EQ(record->GetBatteryDischargeRate(), 4U);
+  EXPECT_EQ(record->GetCycleCount(), 12);
+  EXPECT_THAT(machine->Operations(), IsEmpty());
 }
 
 TEST(OperatingSystemRates, LackOfMemoryIsNotHidden) {

@@ -1,8 +1,10 @@
-#include "SystemCodes.h"
+#include "ErrnoCodes.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+
+#include "../SystemCodes.h"
 
 namespace norv::platform::posix {
 
