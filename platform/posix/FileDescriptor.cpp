@@ -44,12 +44,6 @@ int ReadToEnd(int file, std::size_t limit, std::string& content) {
 
 }  // namespace
 
-FileDescriptor::~FileDescriptor() {
-  if (IsOpen()) {
-    ::close(descriptor_);
-  }
-}
-
 int ReadOrdinaryFileAt(int folder, const char* name, std::size_t limit, std::string& content) {
   const FileDescriptor file(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (!file.IsOpen()) {

@@ -15,6 +15,7 @@
 
 #include "../system-battery/BatteryClass.h"
 #include "base/Utf8.h"
+#include "base/windows/Handle.h"
 
 namespace norv::platform::windows {
 
@@ -70,14 +71,6 @@ class BatteryDevice {
     ULONG noWait = 0;
     Ask(IOCTL_BATTERY_QUERY_TAG, noWait, &tag_, sizeof(tag_));
   }
-  BatteryDevice(const BatteryDevice&) = delete;
-  BatteryDevice& operator=(const BatteryDevice&) = delete;
-  ~BatteryDevice() {
-    if (handle_ != INVALID_HANDLE_VALUE) {
-      CloseHandle(handle_);
-    }
-  }
-
   bool HasBattery() const { return tag_ != BATTERY_TAG_INVALID; }
 
   template <typename Answer>
@@ -107,7 +100,8 @@ class BatteryDevice {
   template <typename Question>
   DWORD Ask(DWORD code, Question& question, void* answer, DWORD size) {
     DWORD length = 0;
-    const BOOL answered = DeviceIoControl(handle_, code, &question, sizeof(question), answer, size, &length, nullptr);
+    const BOOL answered =
+        DeviceIoControl(handle_.Get(), code, &question, sizeof(question), answer, size, &length, nullptr);
     return answered != FALSE ? length : 0;
   }
 
@@ -118,7 +112,7 @@ class BatteryDevice {
     return Ask(IOCTL_BATTERY_QUERY_INFORMATION, question, answer, size);
   }
 
-  HANDLE handle_;
+  base::Handle handle_;
   ULONG tag_ = BATTERY_TAG_INVALID;
 };
 

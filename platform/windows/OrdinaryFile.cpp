@@ -9,17 +9,20 @@
 #include <utility>
 
 #include "NarrowPath.h"
+#include "base/windows/Handle.h"
 
 namespace norv::platform {
 
 namespace {
 
-// A file as the C library reads text: a line ends with one character, and the file at its first Ctrl-Z.
+// Takes a file over to read it as the C library reads text: a line ends with one character, and the file at its first
+// Ctrl-Z.
 class TextFile {
  public:
-  explicit TextFile(HANDLE handle) : number_(_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), kMode)) {
-    if (number_ < 0) {
-      CloseHandle(handle);
+  explicit TextFile(base::Handle& handle)
+      : number_(_open_osfhandle(reinterpret_cast<std::intptr_t>(handle.Get()), kMode)) {
+    if (number_ >= 0) {
+      handle.Release();
     }
   }
   TextFile(const TextFile&) = delete;
@@ -82,13 +85,12 @@ DWORD Read(const char* path, std::size_t limit, std::string& content) {
   if (!windows::IsFullPath(path)) {
     return ERROR_BAD_PATHNAME;
   }
-  const HANDLE handle = Open(path);
-  if (handle == INVALID_HANDLE_VALUE) {
+  base::Handle handle(Open(path));
+  if (!handle.IsOpen()) {
     return GetLastError();
   }
-  const DWORD failure = Check(handle, limit);
-  const TextFile file(handle);
-  return failure == ERROR_SUCCESS ? ReadToEnd(file, limit, content) : failure;
+  const DWORD failure = Check(handle.Get(), limit);
+  return failure == ERROR_SUCCESS ? ReadToEnd(TextFile(handle), limit, content) : failure;
 }
 
 }  // namespace

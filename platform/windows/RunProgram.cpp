@@ -3,32 +3,9 @@
 #include <windows.h>
 
 #include "NarrowPath.h"
+#include "base/windows/Handle.h"
 
 namespace norv::platform::windows {
-
-namespace {
-
-// The process and its first thread, as CreateProcess hands them over.
-class StartedProcess {
- public:
-  StartedProcess() = default;
-  StartedProcess(const StartedProcess&) = delete;
-  StartedProcess& operator=(const StartedProcess&) = delete;
-  ~StartedProcess() {
-    if (information_.hProcess != nullptr) {
-      CloseHandle(information_.hProcess);
-      CloseHandle(information_.hThread);
-    }
-  }
-
-  PROCESS_INFORMATION* Receive() { return &information_; }
-  HANDLE Process() const { return information_.hProcess; }
-
- private:
-  PROCESS_INFORMATION information_{};
-};
-
-}  // namespace
 
 bool RunProgram(const char* path) {
   if (!IsFullPath(path)) {
@@ -39,12 +16,13 @@ bool RunProgram(const char* path) {
   static_assert(sizeof startup == 104);
   startup.cb = sizeof startup;
   startup.wShowWindow = SW_RESTORE;  // without effect: no flag says that the member is used
-  StartedProcess started;
-  if (CreateProcessA(path, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, started.Receive()) ==
-      FALSE) {
+  PROCESS_INFORMATION started{};
+  if (CreateProcessA(path, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started) == FALSE) {
     return false;
   }
-  WaitForSingleObject(started.Process(), INFINITE);
+  const base::Handle process(started.hProcess);
+  const base::Handle firstThread(started.hThread);
+  WaitForSingleObject(process.Get(), INFINITE);
   return true;
 }
 

@@ -1,7 +1,6 @@
 // A host's own static objects may use the library until the very end of the process: norv-battery-after-main
 // The library is used in main() first, so that what it keeps for itself is younger than the host's object and is
 // destroyed before it.
-#include <plog/Appenders/IAppender.h>
 #include <plog/Severity.h>
 
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "CountingAppender.h"
 #include "battery/NorvBatteries.h"
 #include "battery/NorvBatteryInfo.h"
 #include "battery/NorvSharedInitializeLogger.h"
@@ -20,6 +20,7 @@
 namespace {
 
 using namespace norv;
+using test::CountingAppender;
 
 // Both slots hold a battery.
 class Channel : public shared::norvbios::PrivateBiosWmi {
@@ -48,15 +49,6 @@ class Listening : public platform::PlatformWrapper {
 
  private:
   int askedForRates_ = 0;
-};
-
-class CountingAppender : public plog::IAppender {
- public:
-  void write(const plog::Record& /*record*/) override { ++count_; }
-  int Count() const { return count_; }
-
- private:
-  int count_ = 0;
 };
 
 bool Use() {

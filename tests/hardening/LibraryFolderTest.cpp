@@ -1,6 +1,5 @@
 // Which battery test program a host gets that loads the shared library under difficult circumstances: the one beside
 // the library, or none.
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,10 +8,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "LoadedLibrary.h"
 #include "battery/norv_battery.h"
 
 namespace norv::test {
@@ -38,14 +37,7 @@ void Keep(void* context, std::int32_t /*level*/, const char* /*operation*/, cons
 // The shared library, loaded by the name that a host gives.
 class Library {
  public:
-  explicit Library(const std::string& name) : handle_(dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (handle_ == nullptr) {
-      throw std::runtime_error(dlerror());
-    }
-  }
-  Library(const Library&) = delete;
-  Library& operator=(const Library&) = delete;
-  ~Library() { dlclose(handle_); }
+  explicit Library(const std::string& name) : loaded_(name) {}
 
   // Runs the battery test. The version of the program that was found.
   std::string RunTest() {
@@ -57,26 +49,21 @@ class Library {
     options.logLevel = NORV_BATTERY_LOG_ERROR;
     options.logContext = &errors_;
     norv_battery_collection* collection = nullptr;
-    EXPECT_EQ(Find<decltype(norv_battery_open)>("norv_battery_open")(&options, &collection), NORV_BATTERY_OK);
+    EXPECT_EQ(loaded_.Find<decltype(norv_battery_open)>("norv_battery_open")(&options, &collection), NORV_BATTERY_OK);
     norv_battery_value value{};
     value.size = sizeof value;
     std::array<char, 64> version{};
-    EXPECT_EQ(Find<decltype(norv_battery_read_test)>("norv_battery_read_test")(collection, NORV_BATTERY_TEST_VERSION,
-                                                                               &value, version.data(), version.size()),
+    EXPECT_EQ(loaded_.Find<decltype(norv_battery_read_test)>("norv_battery_read_test")(
+                  collection, NORV_BATTERY_TEST_VERSION, &value, version.data(), version.size()),
               NORV_BATTERY_OK);
-    Find<decltype(norv_battery_close)>("norv_battery_close")(collection);
+    loaded_.Find<decltype(norv_battery_close)>("norv_battery_close")(collection);
     return version.data();
   }
 
   const std::vector<std::string>& Errors() const { return errors_; }
 
  private:
-  template <typename Function>
-  Function* Find(const char* name) {
-    return reinterpret_cast<Function*>(dlsym(handle_, name));
-  }
-
-  void* handle_;
+  LoadedLibrary loaded_;
   std::vector<std::string> errors_;
 };
 

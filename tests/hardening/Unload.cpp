@@ -2,30 +2,22 @@
 //   norv-battery-unload LIBRARY ROUNDS MAY-GROW [logger]
 // The process may grow by MAY-GROW kB; sanitizers need some for themselves, and look for leaks on their own. With
 // `logger` each round hands it an appender that is destroyed only after the library is gone.
-#include <plog/Appenders/IAppender.h>
 #include <plog/Severity.h>
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 
+#include "CountingAppender.h"
+#include "LoadedLibrary.h"
 #include "Process.h"
 #include "battery/norv_battery.h"
 
 namespace {
 
 using namespace norv::test;
-
-class CountingAppender : public plog::IAppender {
- public:
-  void write(const plog::Record& /*record*/) override { ++count_; }
-  int Count() const { return count_; }
-
- private:
-  int count_ = 0;
-};
 
 // Both slots hold a battery.
 std::int32_t Answer(void* /*context*/, std::uint32_t /*first*/, std::uint32_t /*second*/, std::uint32_t /*third*/,
@@ -36,40 +28,30 @@ std::int32_t Answer(void* /*context*/, std::uint32_t /*first*/, std::uint32_t /*
   return 0;
 }
 
-template <typename Function>
-Function* Find(void* library, const char* name) {
-  auto* const function = reinterpret_cast<Function*>(FindFunction(library, name));
-  if (function == nullptr) {
-    std::fprintf(stderr, "unload: the library has no %s\n", name);
-    std::exit(1);
-  }
-  return function;
-}
-
-bool Use(void* library) {
+bool Use(const LoadedLibrary& library) {
   norv_battery_options options{};
   options.size = sizeof options;
   options.flags = NORV_BATTERY_READ_CELL_SWELL | NORV_BATTERY_RUN_TEST;
   options.channel = Answer;
   norv_battery_collection* collection = nullptr;
   norv_battery_record* record = nullptr;
-  return Find<decltype(norv_battery_open)>(library, "norv_battery_open")(&options, &collection) == NORV_BATTERY_OK &&
-         Find<decltype(norv_battery_get_record)>(library, "norv_battery_get_record")(collection, 1, &record) ==
+  return library.Find<decltype(norv_battery_open)>("norv_battery_open")(&options, &collection) == NORV_BATTERY_OK &&
+         library.Find<decltype(norv_battery_get_record)>("norv_battery_get_record")(collection, 1, &record) ==
              NORV_BATTERY_OK &&
-         Find<decltype(norv_battery_close)>(library, "norv_battery_close")(collection) == NORV_BATTERY_OK;
+         library.Find<decltype(norv_battery_close)>("norv_battery_close")(collection) == NORV_BATTERY_OK;
+}
+
+bool UseAndUnload(const char* path, bool withLogger, plog::IAppender& appender) {
+  const LoadedLibrary library(path);
+  if (withLogger) {
+    library.Find<void(unsigned int, plog::IAppender*)>("norvSharedInitializeLogger")(plog::verbose, &appender);
+  }
+  return Use(library);
 }
 
 bool Round(const char* path, bool withLogger) {
   CountingAppender appender;
-  void* const library = LoadLibraryFile(path);
-  if (library == nullptr) {
-    return false;
-  }
-  if (withLogger) {
-    Find<void(unsigned int, plog::IAppender*)>(library, "norvSharedInitializeLogger")(plog::verbose, &appender);
-  }
-  const bool isUsed = Use(library) && (appender.Count() > 0) == withLogger;
-  return UnloadLibrary(library) && !IsLibraryLoaded(path) && isUsed;
+  return UseAndUnload(path, withLogger, appender) && !IsLibraryLoaded(path) && (appender.Count() > 0) == withLogger;
 }
 
 // What the first rounds leave behind is the C library's own and stays.
@@ -79,7 +61,7 @@ int Run(const char* path, int rounds, std::size_t mayGrow, bool withLogger) {
   std::size_t first = 0;
   for (int round = 1; round <= rounds; ++round) {
     if (!Round(path, withLogger)) {
-      std::fprintf(stderr, "unload: round %d failed: not loaded, not usable, or still there afterwards\n", round);
+      std::fprintf(stderr, "unload: round %d failed: not usable, or still there afterwards\n", round);
       return 1;
     }
     if (round == kWarmUp) {
@@ -103,5 +85,10 @@ int main(int argc, char** argv) {
                  kWarmUp);
     return 2;
   }
-  return Run(argv[1], rounds, static_cast<std::size_t>(mayGrow), withLogger);
+  try {
+    return Run(argv[1], rounds, static_cast<std::size_t>(mayGrow), withLogger);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "unload: %s\n", failure.what());
+    return 1;
+  }
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/windows/Handle.h"
 #include "norv/platform/Platform.h"
 
 namespace norv::test {
@@ -40,19 +41,19 @@ class BatteryTestProgram : public testing::Test {
   Lines Run() const {
     const fs::path output = folder_ / "output.txt";
     SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
-    const HANDLE file = CreateFileW(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    base::Handle file(CreateFileW(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = file;
+    startup.hStdOutput = file.Get();
     PROCESS_INFORMATION process{};
     EXPECT_TRUE(CreateProcessW((folder_ / "host.exe").c_str(), nullptr, nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                                &startup, &process));
-    WaitForSingleObject(process.hProcess, INFINITE);
-    CloseHandle(process.hProcess);
-    CloseHandle(process.hThread);
-    CloseHandle(file);
+    const base::Handle running(process.hProcess);
+    const base::Handle firstThread(process.hThread);
+    WaitForSingleObject(running.Get(), INFINITE);
+    file.Close();
     Lines lines;
     std::ifstream read(output);
     for (std::string line; std::getline(read, line);) {

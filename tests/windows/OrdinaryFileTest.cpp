@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 
+#include "base/windows/Handle.h"
 #include "battery/NorvBatteryTestXmlParser.h"
 
 namespace norv::test {
@@ -63,10 +64,9 @@ TEST_F(OrdinaryFile, IsNoDevice) {
 // Read to its end, a pipe holds the reader up until its owner lets it go.
 TEST_F(OrdinaryFile, IsNoPipe) {
   const std::string name = "\\\\.\\pipe\\norv-battery-" + std::to_string(GetCurrentProcessId());
-  const HANDLE pipe = CreateNamedPipeA(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 16, 16, 0, nullptr);
-  ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
+  const base::Handle pipe(CreateNamedPipeA(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 16, 16, 0, nullptr));
+  ASSERT_TRUE(pipe.IsOpen());
   ExpectFailure(name, ERROR_ACCESS_DENIED);
-  CloseHandle(pipe);
 }
 
 TEST_F(OrdinaryFile, IsWhatTheReportHasToBe) {

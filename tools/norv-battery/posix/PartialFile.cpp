@@ -10,8 +10,8 @@
 #include <csignal>
 #include <string>
 #include <system_error>
-#include <utility>
 
+#include "base/posix/FileDescriptor.h"
 #include "posix/Signals.h"
 
 namespace norv::tool {
@@ -59,10 +59,9 @@ mode_t RightsFor(const std::string& target, int file) {
 
 // A system that cannot do it for a folder says so; the file itself is safe all the same.
 void SyncFolder(const std::string& folder) {
-  const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor >= 0) {
-    ::fsync(descriptor);
-    ::close(descriptor);
+  const base::FileDescriptor opened(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.IsOpen()) {
+    ::fsync(opened.Number());
   }
 }
 
@@ -92,30 +91,27 @@ class PosixPartialFile : public PartialFile {
         partial_((target.parent_path() / MakePartialName()).string()),
         guard_(partial_),
         file_(::open(partial_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
-    Check(file_ >= 0);
+    Check(file_.IsOpen());
     // A file system without rights, such as that of a memory stick, refuses, and others have none as it is.
-    static_cast<void>(::fchmod(file_, RightsFor(target_, file_)));
+    static_cast<void>(::fchmod(file_.Number(), RightsFor(target_, file_.Number())));
   }
   PosixPartialFile(const PosixPartialFile&) = delete;
   PosixPartialFile& operator=(const PosixPartialFile&) = delete;
   ~PosixPartialFile() override {
-    if (file_ >= 0) {
-      ::close(file_);
-    }
     ::unlink(partial_.c_str());  // nothing, once it has been renamed
   }
 
   void Write(std::string_view bytes) override {
     while (!bytes.empty()) {
-      const ssize_t count = ::write(file_, bytes.data(), bytes.size());
+      const ssize_t count = ::write(file_.Number(), bytes.data(), bytes.size());
       Check(count >= 0 || errno == EINTR);
       bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
   }
 
   void ReplaceTarget() override {
-    Check(::fsync(file_) == 0);
-    Check(::close(std::exchange(file_, -1)) == 0);
+    Check(::fsync(file_.Number()) == 0);
+    Check(file_.Close());
     Check(::rename(partial_.c_str(), target_.c_str()) == 0);
     SyncFolder(folder_);
   }
@@ -125,7 +121,7 @@ class PosixPartialFile : public PartialFile {
   std::string target_;
   std::string partial_;
   RemovedInTheEnd guard_;
-  int file_;
+  base::FileDescriptor file_;
 };
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/windows/Handle.h"
+
 namespace norv::tool {
 
 namespace {
@@ -37,14 +39,12 @@ Bytes RightsOf(const std::filesystem::path& target) {
 }
 
 Bytes CurrentUser() {
-  HANDLE token = nullptr;
-  Check(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) != FALSE);
+  base::Handle token;
+  Check(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive()) != FALSE);
   DWORD size = 0;
-  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+  GetTokenInformation(token.Get(), TokenUser, nullptr, 0, &size);
   Bytes user(size);
-  const bool isTold = GetTokenInformation(token, TokenUser, user.data(), size, &size) != FALSE;
-  CloseHandle(token);
-  Check(isTold);
+  Check(GetTokenInformation(token.Get(), TokenUser, user.data(), size, &size) != FALSE);
   return user;
 }
 
@@ -127,7 +127,7 @@ class WindowsPartialFile : public PartialFile {
   WindowsPartialFile(const WindowsPartialFile&) = delete;
   WindowsPartialFile& operator=(const WindowsPartialFile&) = delete;
   ~WindowsPartialFile() override {
-    Close();
+    file_.Close();
     DeleteFileW(partial_.c_str());  // nothing, once it has been renamed
   }
 
@@ -136,28 +136,22 @@ class WindowsPartialFile : public PartialFile {
     while (!bytes.empty()) {
       DWORD count = 0;
       const auto size = static_cast<DWORD>(std::min(bytes.size(), kMost));
-      Check(WriteFile(file_, bytes.data(), size, &count, nullptr) != FALSE);
+      Check(WriteFile(file_.Get(), bytes.data(), size, &count, nullptr) != FALSE);
       bytes.remove_prefix(count);
     }
   }
 
   void ReplaceTarget() override {
-    Check(FlushFileBuffers(file_) != FALSE);
-    Close();
+    Check(FlushFileBuffers(file_.Get()) != FALSE);
+    file_.Close();
     Check(MoveFileExW(partial_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE);
   }
 
  private:
-  void Close() {
-    if (file_ != INVALID_HANDLE_VALUE) {
-      CloseHandle(std::exchange(file_, INVALID_HANDLE_VALUE));
-    }
-  }
-
   std::filesystem::path target_;
   std::filesystem::path partial_;
   RemovedInTheEnd guard_;
-  HANDLE file_;
+  base::Handle file_;
 };
 
 }  // namespace
