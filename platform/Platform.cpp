@@ -23,11 +23,15 @@ void Platform::ReportInvalidParameter() {
 }
 
 std::string Platform::BatterySource() {
-  return {};
+  return DescribeSlot(0).source;
 }
 
-std::optional<std::uint32_t> Platform::DriverStateOfCharge(std::uint32_t /*slot*/) {
-  return std::nullopt;
+std::optional<std::uint32_t> Platform::DriverStateOfCharge(std::uint32_t slot) {
+  return DescribeSlot(slot).stateOfCharge;
+}
+
+SlotDescription Platform::DescribeSlot(std::uint32_t /*slot*/) {
+  return {};
 }
 
 Platform& Platform::Current() {
@@ -97,12 +101,17 @@ std::time_t PlatformWrapper::LocalTimeValue(const std::tm& calendarTime) {
   return inner_.LocalTimeValue(calendarTime);
 }
 
+// These two answer by DescribeSlot() as a wrapper overrides it, and stand here for hosts that were linked with them.
 std::string PlatformWrapper::BatterySource() {
-  return inner_.BatterySource();
+  return Platform::BatterySource();
 }
 
 std::optional<std::uint32_t> PlatformWrapper::DriverStateOfCharge(std::uint32_t slot) {
-  return inner_.DriverStateOfCharge(slot);
+  return Platform::DriverStateOfCharge(slot);
+}
+
+SlotDescription PlatformWrapper::DescribeSlot(std::uint32_t slot) {
+  return inner_.DescribeSlot(slot);
 }
 
 }  // namespace norv::platform

@@ -164,12 +164,7 @@ class PosixPlatform : public Platform {
     return std::mktime(&normalised);
   }
 
-  std::string BatterySource() override { return kSystemBatterySource; }
-
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override {
-    const std::optional<SystemBattery> battery = ReadBattery(slot);
-    return battery.has_value() ? battery->stateOfCharge : std::nullopt;
-  }
+  SlotDescription DescribeSlot(std::uint32_t slot) override { return DescribeBattery(ReadBattery(slot)); }
 };
 
 }  // namespace

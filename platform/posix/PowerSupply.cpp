@@ -123,6 +123,12 @@ std::optional<BatteryDate> ManufactureDate(const Supply& supply) {
   return date.year != 0 ? std::optional(date) : std::nullopt;
 }
 
+// "Unknown" is the kernel's own mark.
+std::string Technology(const Supply& supply) {
+  const std::string told = supply.Text("technology").value_or("");
+  return told != "Unknown" ? told : "";
+}
+
 std::optional<std::uint32_t> StateOfCharge(const Supply& supply) {
   const std::optional<std::int64_t> percent = supply.Number("capacity");
   const bool fits = percent.has_value() && *percent >= 0 && *percent <= std::numeric_limits<std::uint32_t>::max();
@@ -145,6 +151,7 @@ SystemBattery Describe(const Supply& supply, const Constants& constants) {
   battery.serialNumber = constants.serialNumber.value_or("");
   battery.manufacturer = constants.manufacturer.value_or("");
   battery.deviceName = constants.modelName.value_or("");
+  battery.technology = Technology(supply);
   battery.stateOfCharge = StateOfCharge(supply);
   return battery;
 }

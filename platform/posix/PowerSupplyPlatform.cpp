@@ -63,12 +63,15 @@ std::int32_t PowerSupplyPlatform::SendBiosCommand(std::uint32_t first, std::uint
 }
 
 std::string PowerSupplyPlatform::BatterySource() {
-  return kSystemBatterySource;
+  return PlatformWrapper::BatterySource();
 }
 
 std::optional<std::uint32_t> PowerSupplyPlatform::DriverStateOfCharge(std::uint32_t slot) {
-  const std::optional<SystemBattery> battery = ReadFrom(path_, slot);
-  return battery.has_value() ? battery->stateOfCharge : std::nullopt;
+  return PlatformWrapper::DriverStateOfCharge(slot);
+}
+
+SlotDescription PowerSupplyPlatform::DescribeSlot(std::uint32_t slot) {
+  return DescribeBattery(ReadFrom(path_, slot));
 }
 
 }  // namespace norv::platform

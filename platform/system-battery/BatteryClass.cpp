@@ -27,6 +27,12 @@ std::optional<std::int64_t> Known(std::uint32_t number) {
   return IsKnown(number) ? std::optional<std::int64_t>(number) : std::nullopt;
 }
 
+// The bytes up to the first that is 0, without the blanks that firmware fills up with.
+std::string TextOf(const std::string& bytes) {
+  const std::string text = bytes.substr(0, bytes.find('\0'));
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
 std::optional<BatteryCapacity> Energy(std::optional<std::int64_t> amount) {
   return amount ? std::optional(BatteryCapacity{*amount, CapacityUnit::MilliwattHours}) : std::nullopt;
 }
@@ -88,6 +94,7 @@ std::optional<SystemBattery> TranslateBatteryClass(const BatteryClassAnswers& an
   battery.serialNumber = answers.serialNumber;
   battery.manufacturer = answers.manufactureName;
   battery.deviceName = answers.deviceName;
+  battery.technology = TextOf(answers.chemistry);
   if ((capabilities & kCapacityRelative) != 0) {
     battery.stateOfCharge = StateOfCharge(answers);
     return battery;

@@ -43,6 +43,7 @@ struct BatteryClassAnswers {
   std::string serialNumber;  // UTF-8, like the other two; empty when refused
   std::string manufactureName;
   std::string deviceName;
+  std::string chemistry;  // BATTERY_INFORMATION::Chemistry, "LION": four bytes, filled up with zeros
 };
 
 // The battery that the answers describe; nothing when it is none of the computer's own: a UPS, or the battery of a

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "../SystemCodes.h"
+#include "base/Utf8.h"
 #include "firmware/BatteryInformationBlock.h"
 #include "firmware/Commands.h"
 #include "firmware/PackedDate.h"
@@ -75,15 +76,15 @@ std::optional<std::int64_t> ToldCurrent(const SystemBattery& battery) {
   return ThousandfoldBy(*battery.power, *battery.voltage);
 }
 
-std::optional<std::int64_t> Current(const SystemBattery& battery) {
-  const std::optional<std::int64_t> told = ToldCurrent(battery);
+// Drivers differ in the sign of a current or a power: the state decides it.
+std::optional<std::int64_t> Signed(const std::optional<std::int64_t>& told, const std::optional<ChargeState>& state) {
   if (!told.has_value() || *told == std::numeric_limits<std::int64_t>::min()) {
     return told;
   }
-  if (battery.state == ChargeState::Discharging) {
+  if (state == ChargeState::Discharging) {
     return -std::abs(*told);
   }
-  return battery.state == ChargeState::Charging ? std::abs(*told) : *told;
+  return state == ChargeState::Charging ? std::abs(*told) : *told;
 }
 
 bool IsZero(const std::optional<BatteryCapacity>& capacity) {
@@ -97,6 +98,10 @@ unsigned int StatusWord(const SystemBattery& battery) {
   word |= battery.state == ChargeState::Full ? kFullyCharged : 0;
   word |= isInitialized && IsZero(battery.remainingCapacity) ? kFullyDischarged : 0;
   return word;
+}
+
+std::optional<std::int64_t> Energy(const std::optional<BatteryCapacity>& capacity) {
+  return IsEnergy(capacity) ? std::optional(capacity->amount) : std::nullopt;
 }
 
 // The length of the longest start of `text` that fits into `width` bytes and does not end within a UTF-8 character.
@@ -122,6 +127,12 @@ class BlockWriter {
  public:
   void Store(Field field, std::uint16_t word) { firmware::PutWord(filled_.block.data(), field, word); }
 
+  void Tell(Field field) {
+    for (std::size_t place = field.offset; place < field.End(); ++place) {
+      filled_.told.set(place);
+    }
+  }
+
   void Number(Field field, const char* name, const std::optional<std::int64_t>& number) {
     Clamped(field, name, number, 0, kLargestWord);
   }
@@ -132,6 +143,9 @@ class BlockWriter {
 
   void Text(Field field, const char* name, const std::string& text) {
     const std::size_t length = CutLength(text, field.width);
+    if (!text.empty()) {
+      Tell(field);
+    }
     std::copy_n(text.begin(), length, filled_.block.begin() + static_cast<std::ptrdiff_t>(field.offset));
     if (length < text.size()) {
       Deviate(TextCut{name, text, length, field.width});
@@ -148,6 +162,7 @@ class BlockWriter {
       return;
     }
     Store(field, firmware::Pack(packed));
+    Tell(field);
   }
 
   void Deviate(Deviation deviation) { filled_.deviations.push_back(std::move(deviation)); }
@@ -159,6 +174,9 @@ class BlockWriter {
                std::int64_t largest) {
     const std::int64_t stored = std::clamp(number.value_or(0), smallest, largest);
     Store(field, static_cast<std::uint16_t>(stored & kLargestWord));
+    if (number.has_value()) {
+      Tell(field);
+    }
     if (number.has_value() && stored != *number) {
       Deviate(NumberClamped{name, *number, stored});
     }
@@ -179,9 +197,12 @@ FilledBlock FillBatteryBlock(const SystemBattery& battery) {
   writer.Number(firmware::kCycleCount, "cycle count", battery.cycleCount);
   writer.Number(firmware::kTemperature, "temperature", battery.temperature);
   writer.Number(firmware::kVoltage, "voltage", battery.voltage);
-  writer.SignedNumber(firmware::kCurrent, "current", Current(battery));
+  writer.SignedNumber(firmware::kCurrent, "current", Signed(ToldCurrent(battery), battery.state));
   writer.Number(firmware::kDesignVoltage, "design voltage", battery.designVoltage);
   writer.Store(firmware::kBatteryStatus, static_cast<std::uint16_t>(StatusWord(battery)));
+  if (battery.state.has_value()) {
+    writer.Tell(firmware::kBatteryStatus);
+  }
   writer.Text(firmware::kSerialNumber, "serial number", battery.serialNumber);
   writer.Text(firmware::kManufacturer, "manufacturer", battery.manufacturer);
   writer.Text(firmware::kDeviceName, "device name", battery.deviceName);
@@ -190,6 +211,26 @@ FilledBlock FillBatteryBlock(const SystemBattery& battery) {
     writer.Deviate(CapacitiesOfTheMoment{*battery.standInVoltage});
   }
   return writer.Take();
+}
+
+SlotDescription DescribeBattery(const std::optional<SystemBattery>& battery) {
+  SlotDescription description;
+  description.source = kSystemBatterySource;
+  if (!battery.has_value()) {
+    description.told.reset();
+    return description;
+  }
+  description.told = FillBatteryBlock(*battery).told;
+  description.stateOfCharge = battery->stateOfCharge;
+  description.modelName = base::AsUtf8(battery->deviceName);
+  description.serialNumber = base::AsUtf8(battery->serialNumber);
+  description.manufacturer = base::AsUtf8(battery->manufacturer);
+  description.technology = base::AsUtf8(battery->technology);
+  description.designEnergy = Energy(battery->designCapacity);
+  description.fullChargeEnergy = Energy(battery->fullChargeCapacity);
+  description.remainingEnergy = Energy(battery->remainingCapacity);
+  description.power = Signed(battery->power, battery->state);
+  return description;
 }
 
 std::int32_t AnswerBiosCommand(std::uint32_t first, std::uint32_t second, std::uint32_t third,

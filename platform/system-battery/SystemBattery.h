@@ -9,6 +9,7 @@
 
 #include "../Remarks.h"
 #include "firmware/Block.h"
+#include "norv/platform/Platform.h"
 
 namespace norv::platform {
 
@@ -46,7 +47,8 @@ struct SystemBattery {
   std::string serialNumber;  // UTF-8, like the other texts; empty when not known
   std::string manufacturer;
   std::string deviceName;
-  std::optional<std::uint32_t> stateOfCharge;  // percent, the driver's own figure; no field of the block
+  std::string technology;                      // no field of the block, like the next
+  std::optional<std::uint32_t> stateOfCharge;  // percent, the driver's own figure
 };
 
 // What people read where the running system's driver is the source.
@@ -54,6 +56,7 @@ inline constexpr const char* kSystemBatterySource = "the system's battery driver
 
 struct FilledBlock {
   firmware::Block block{};
+  SlotDescription::Told told;         // what follows from what the driver told
   std::vector<Deviation> deviations;  // what does not stand in the block as the driver told it
 };
 
@@ -73,6 +76,9 @@ struct FilledBlock {
 //   number of a field that has no sign becomes 0. A text is cut to its field, between characters where it is UTF-8.
 //   Each of these is a deviation.
 FilledBlock FillBatteryBlock(const SystemBattery& battery);
+
+// The description of a slot of the running system, with the battery in it or without one.
+SlotDescription DescribeBattery(const std::optional<SystemBattery>& battery);
 
 // What the running system answers to a BIOS command; `read` gives the battery in a slot, nothing where there is none.
 //

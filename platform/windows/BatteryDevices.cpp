@@ -122,8 +122,10 @@ std::optional<BatteryClassAnswers> Ask(BatteryDevice& device) {
     return std::nullopt;
   }
   BatteryClassAnswers answers;
+  const auto* const chemistry = reinterpret_cast<const char*>(information->Chemistry);
   answers.information = {information->Capabilities, information->DesignedCapacity, information->FullChargedCapacity,
                          information->CycleCount};
+  answers.chemistry.assign(chemistry, sizeof(information->Chemistry));
   answers.temperature = device.Information<ULONG>(BatteryTemperature);
   if (const auto date = device.Information<BATTERY_MANUFACTURE_DATE>(BatteryManufactureDate)) {
     answers.manufactureDate = {date->Day, date->Month, date->Year};

@@ -81,11 +81,8 @@ class WindowsPlatform : public Platform {
     return std::mktime(&normalised);
   }
 
-  std::string BatterySource() override { return kSystemBatterySource; }
-
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override {
-    const auto battery = windows::ReadBatteryDevice(slot);
-    return battery ? battery->stateOfCharge : std::nullopt;
+  SlotDescription DescribeSlot(std::uint32_t slot) override {
+    return DescribeBattery(windows::ReadBatteryDevice(slot));
   }
 };
 

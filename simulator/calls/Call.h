@@ -21,7 +21,7 @@ struct Call {
   std::uint32_t size = 0;                  // of the buffer of LibraryPath and FormatSystemMessage
   std::uint32_t code = 0;                  // FormatSystemMessage
   std::tm calendarTime{};                  // LocalTimeValue
-  std::uint32_t slot = 0;                  // DriverStateOfCharge
+  std::uint32_t slot = 0;                  // DescribeSlot
 };
 
 }  // namespace norv::simulator

@@ -300,19 +300,15 @@ std::time_t Interceptor::LocalTimeValue(const std::tm& calendarTime) {
   return outcome.fails ? -1 : outcome.number;
 }
 
-std::string Interceptor::BatterySource() {
-  const auto ask = [&] { return Texted(inner_.BatterySource()); };
-  return Intercepted(*hook_, CallOf(kBatterySource), ask).text.value_or("");
-}
-
-std::optional<std::uint32_t> Interceptor::DriverStateOfCharge(std::uint32_t slot) {
-  Call call = CallOf(kDriverStateOfCharge, std::to_string(slot));
+platform::SlotDescription Interceptor::DescribeSlot(std::uint32_t slot) {
+  Call call = CallOf(kDescribeSlot, std::to_string(slot));
   call.slot = slot;
-  const Outcome outcome = Intercepted(*hook_, call, [&] {
-    const std::optional<std::uint32_t> percent = inner_.DriverStateOfCharge(slot);
-    return Numbered(percent.value_or(0), !percent.has_value());
-  });
-  return outcome.fails ? std::nullopt : std::optional(static_cast<std::uint32_t>(outcome.number));
+  const auto ask = [&] {
+    Outcome outcome;
+    outcome.slot = inner_.DescribeSlot(slot);
+    return outcome;
+  };
+  return Intercepted(*hook_, call, ask).slot.value_or(platform::SlotDescription());
 }
 
 }  // namespace norv::simulator

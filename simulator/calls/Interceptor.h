@@ -50,8 +50,7 @@ class Interceptor : public platform::Platform {
   void ReportInvalidParameter() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
-  std::string BatterySource() override;
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
+  platform::SlotDescription DescribeSlot(std::uint32_t slot) override;
 
  private:
   platform::Platform& inner_;

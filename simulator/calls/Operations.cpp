@@ -49,8 +49,8 @@ void LocalTimeValue(Platform& platform, const Call& call) {
   platform.LocalTimeValue(call.calendarTime);
 }
 
-void DriverStateOfCharge(Platform& platform, const Call& call) {
-  platform.DriverStateOfCharge(call.slot);
+void DescribeSlot(Platform& platform, const Call& call) {
+  platform.DescribeSlot(call.slot);
 }
 
 // An operation without arguments.
@@ -78,10 +78,19 @@ constexpr std::array kOperations{
                  Plain<&Platform::ReportInvalidParameter>},
     OperationRow{kNow, false, AnswerForm::Time, Failures::None, Plain<&Platform::Now>},
     OperationRow{kLocalTimeValue, true, AnswerForm::Time, Failures::Fails, LocalTimeValue},
-    OperationRow{kBatterySource, false, AnswerForm::Name, Failures::Fails, Plain<&Platform::BatterySource>},
-    OperationRow{kDriverStateOfCharge, true, AnswerForm::Percent, Failures::Fails, DriverStateOfCharge},
+    OperationRow{kDescribeSlot, true, AnswerForm::Slot, Failures::Fails, DescribeSlot},
+};
+
+constexpr std::array kEarlierOperations{
+    OperationRow{kBatterySource, false, AnswerForm::Name, Failures::None, nullptr},
+    OperationRow{kDriverStateOfCharge, true, AnswerForm::Percent, Failures::None, nullptr},
 };
 // clang-format on
+
+const OperationRow* Find(std::span<const OperationRow> rows, std::string_view name) {
+  const auto found = std::find_if(rows.begin(), rows.end(), [&](const OperationRow& row) { return row.name == name; });
+  return found != rows.end() ? &*found : nullptr;
+}
 
 }  // namespace
 
@@ -98,9 +107,15 @@ std::string OperationNames(std::span<const OperationRow> rows) {
 }
 
 const OperationRow* FindOperation(std::string_view name) {
-  const auto* const found =
-      std::find_if(kOperations.begin(), kOperations.end(), [&](const OperationRow& row) { return row.name == name; });
-  return found != kOperations.end() ? found : nullptr;
+  return Find(kOperations, name);
+}
+
+const OperationRow* FindAnswered(std::string_view name) {
+  const OperationRow* const row = FindOperation(name);
+  if (row != nullptr) {
+    return row->answers != AnswerForm::ObjectPart ? row : nullptr;
+  }
+  return Find(kEarlierOperations, name);
 }
 
 std::string ExtraInput(std::span<const unsigned char> input) {

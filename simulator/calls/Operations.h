@@ -27,6 +27,10 @@ inline constexpr std::string_view kLastSystemCode = "LastSystemCode";
 inline constexpr std::string_view kReportInvalidParameter = "ReportInvalidParameter";
 inline constexpr std::string_view kNow = "Now";
 inline constexpr std::string_view kLocalTimeValue = "LocalTimeValue";
+inline constexpr std::string_view kDescribeSlot = "DescribeSlot";
+
+// What was asked before there was DescribeSlot. Recordings of that time answer for them, and for nothing else do they
+// count.
 inline constexpr std::string_view kBatterySource = "BatterySource";
 inline constexpr std::string_view kDriverStateOfCharge = "DriverStateOfCharge";
 
@@ -46,6 +50,7 @@ enum class AnswerForm {
   Nothing,
   Time,     // number, or fails
   Percent,  // number, or fails
+  Slot,     // slot, or fails where nothing is known
 };
 
 // How an operation can fail, but for throwing, which every one can.
@@ -67,6 +72,9 @@ struct OperationRow {
 };
 
 std::span<const OperationRow> Operations();
+
+// An operation that is answered for, earlier ones included. Null where there is none of that name.
+const OperationRow* FindAnswered(std::string_view name);
 
 // "SendBiosCommand, ConnectWmi, ..."
 std::string OperationNames(std::span<const OperationRow> rows);

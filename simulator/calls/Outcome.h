@@ -9,6 +9,7 @@
 
 #include "calls/Thrown.h"
 #include "firmware/Block.h"
+#include "norv/platform/Platform.h"
 
 namespace norv::simulator {
 
@@ -30,7 +31,8 @@ struct Outcome {
   std::uint32_t returnCode = 0;
   std::optional<Block> block;
   std::optional<std::string> text;  // bytes
-  std::optional<LeftCode> left;     // where LastSystemCode was asked, or is to be answered by it
+  std::optional<platform::SlotDescription> slot;
+  std::optional<LeftCode> left;  // where LastSystemCode was asked, or is to be answered by it
 
   bool operator==(const Outcome&) const = default;
 };

@@ -22,8 +22,8 @@ std::vector<OperationRow> AnswerableOperations() {
 
 const OperationRow& ReadOperation(const JsonNode& node) {
   const JsonNode operation = node.RequiredMember("operation", "the name of an operation");
-  const OperationRow* const row = FindOperation(operation.Text());
-  if (row == nullptr || row->answers == AnswerForm::ObjectPart) {
+  const OperationRow* const row = FindAnswered(operation.Text());
+  if (row == nullptr) {
     operation.FailExpecting("one of: " + OperationNames(AnswerableOperations()));
   }
   return *row;

@@ -8,6 +8,7 @@
 #include "base/Utf8.h"
 #include "machine/BlockFile.h"
 #include "machine/HexText.h"
+#include "machine/SlotFile.h"
 #include "machine/VersionText.h"
 
 namespace norv::simulator {
@@ -132,14 +133,18 @@ void ReadPercent(const JsonNode& result, const JsonNode& /*answer*/, Outcome& ou
   outcome.number = result.IsNull() ? 0 : result.WholeNumber(0, kLargestCode);
 }
 
-void WritePercent(const Outcome& outcome, Object& answer) {
-  answer["result"] = outcome.fails ? Value() : Value(outcome.number);
+void ReadSlotWord(const JsonNode& result, const JsonNode& /*answer*/, Outcome& outcome) {
+  outcome.slot = ReadSlotDescription(result);
+}
+
+void WriteSlotWord(const Outcome& outcome, Object& answer) {
+  answer["result"] = SlotDescriptionJson(outcome.slot.value_or(platform::SlotDescription()));
 }
 
 }  // namespace
 
 const AnswerWords& WordsOf(AnswerForm form) {
-  static const std::array<AnswerWords, 12> kWords{{
+  static const std::array<AnswerWords, 13> kWords{{
       {AnswerForm::Bios, {"status", "returnCode", "block", "battery", "cellSwell"}, {"input"}, ReadBios, WriteBios},
       {AnswerForm::Connects, {"result"}, {}, ReadCode, WriteCode},
       {AnswerForm::Objects, {"result", "rows"}, {"namespace", "end"}, ReadCode, WriteCode},
@@ -151,7 +156,8 @@ const AnswerWords& WordsOf(AnswerForm form) {
       {AnswerForm::SystemCode, {"result"}, {}, ReadSystemCode, WriteNumber},
       {AnswerForm::Nothing, {"result"}, {}, ReadNothing, WriteTruth},
       {AnswerForm::Time, {"result"}, {}, ReadTime, WriteNumber},
-      {AnswerForm::Percent, {"result"}, {}, ReadPercent, WritePercent},
+      {AnswerForm::Percent, {"result"}, {}, ReadPercent, nullptr},
+      {AnswerForm::Slot, {"result"}, {}, ReadSlotWord, WriteSlotWord},
   }};
   return *std::find_if(kWords.begin(), kWords.end(), [&](const AnswerWords& words) { return words.form == form; });
 }

@@ -17,6 +17,7 @@ struct AnswerWords {
   std::vector<std::string> results;  // the keys of which one holds the answer
   std::vector<std::string> others;   // and what may stand beside it
   void (*read)(const JsonNode& result, const JsonNode& answer, Outcome& outcome);
+  // Null for what only earlier recordings hold.
   void (*write)(const Outcome& outcome, json::Object& answer);
 };
 

@@ -10,6 +10,7 @@
 #include "fields/Stored.h"
 #include "firmware/PackedDate.h"
 #include "machine/HexText.h"
+#include "machine/SlotFile.h"
 
 namespace norv::simulator {
 
@@ -153,13 +154,13 @@ Block ReadCellSwell(const JsonNode& node) {
   return ReadFields(node, fields::kStored<NORV_BATTERY_FROM_CELL_SWELL_BLOCK>);
 }
 
-SlotDescription ReadSlot(const JsonNode& slot) {
-  SlotDescription description;
+SlotContents ReadSlot(const JsonNode& slot) {
+  SlotContents description;
   if (slot.IsNull()) {
     return description;
   }
   slot.ExpectKeys({"battery", "batteryReturnCode", "batteryChannelStatus", "cellSwell", "cellSwellReturnCode",
-                   "cellSwellChannelStatus", "driverStateOfCharge"});
+                   "cellSwellChannelStatus", "driverStateOfCharge", "driver"});
   if (const auto battery = slot.Member("battery")) {
     description.battery = {0, 0, ReadBattery(*battery)};
     description.cellSwell.returnCode = firmware::kNotSupported;
@@ -167,9 +168,12 @@ SlotDescription ReadSlot(const JsonNode& slot) {
   if (const auto cellSwell = slot.Member("cellSwell")) {
     description.cellSwell = {0, 0, ReadCellSwell(*cellSwell)};
   }
+  if (const auto driver = slot.Member("driver")) {
+    description.driver = ReadDriver(*driver);
+  }
   if (const auto percent = slot.Member("driverStateOfCharge")) {
     constexpr std::int64_t kLargest = std::numeric_limits<std::uint32_t>::max();
-    description.driverStateOfCharge = static_cast<std::uint32_t>(percent->WholeNumber(0, kLargest));
+    description.driver.stateOfCharge = static_cast<std::uint32_t>(percent->WholeNumber(0, kLargest));
   }
   ReadFailures(slot, "batteryReturnCode", "batteryChannelStatus", description.battery);
   ReadFailures(slot, "cellSwellReturnCode", "cellSwellChannelStatus", description.cellSwell);

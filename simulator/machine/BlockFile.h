@@ -6,7 +6,7 @@
 
 namespace norv::simulator {
 
-SlotDescription ReadSlot(const JsonNode& slot);
+SlotContents ReadSlot(const JsonNode& slot);
 
 // A block: by its fields ("battery", "cellSwell"), or as the hex digits of all its bytes.
 Block ReadBattery(const JsonNode& node);

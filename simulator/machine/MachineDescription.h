@@ -26,10 +26,10 @@ struct BlockAnswer {
 };
 
 // An empty slot, until a machine file says otherwise.
-struct SlotDescription {
+struct SlotContents {
   BlockAnswer battery{0, firmware::kEmptySlot, {}};
   BlockAnswer cellSwell{0, firmware::kNoBattery, {}};
-  std::optional<std::uint32_t> driverStateOfCharge;  // percent
+  platform::SlotDescription driver;  // but for the source, which is the machine's
 };
 
 struct ClassDescription {
@@ -58,7 +58,7 @@ struct MachineDescription {
   std::string description;
   std::string source;            // of the batteries, in a few words; empty where the file does not tell
   std::optional<Origin> origin;  // of a recording
-  std::array<SlotDescription, 2> slots;
+  std::array<SlotContents, 2> slots;
   std::map<std::string, NamespaceDescription> namespaces;  // by NamespaceKey
   std::optional<TestProgramDescription> testProgram;
   ProgramDataDescription programData;

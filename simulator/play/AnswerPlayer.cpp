@@ -87,7 +87,10 @@ class Answering : public Hook {
     if (call.operation == kQuery) {
       Open(answer);
     }
-    return answer != nullptr ? Told(call, answer->outcome, proceed) : proceed();
+    if (answer == nullptr) {
+      return call.operation == kDescribeSlot ? EarlierTold(call, proceed()) : proceed();
+    }
+    return Told(call, answer->outcome, proceed);
   }
 
   std::shared_ptr<Hook> OfConnection(const std::string& /*wmiNamespace*/) override {
@@ -103,6 +106,25 @@ class Answering : public Hook {
     }
     if (call.operation == kProgramDataFolder && !outcome.fails) {
       outcome.text = script_->FolderWith(outcome.text);
+    }
+    return outcome;
+  }
+
+  // A slot as recordings tell of it that were made when its source and its state of charge were asked for by
+  // themselves.
+  Outcome EarlierTold(const Call& call, Outcome outcome) {
+    Call question;
+    question.operation = kBatterySource;
+    if (const Answer* const answer = script_->Take(question)) {
+      outcome.slot->source = answer->outcome.text.value_or("");
+      outcome.thrown = answer->outcome.thrown;
+    }
+    question.operation = kDriverStateOfCharge;
+    question.argument = call.argument;
+    if (const Answer* const answer = script_->Take(question)) {
+      const Outcome& told = answer->outcome;
+      outcome.slot->stateOfCharge = told.fails ? std::nullopt : std::optional(static_cast<std::uint32_t>(told.number));
+      outcome.thrown = told.thrown.has_value() ? told.thrown : outcome.thrown;
     }
     return outcome;
   }

@@ -57,7 +57,7 @@ std::int32_t SimulatedPlatform::SendBiosCommand(std::uint32_t first, std::uint32
     *returnCode = firmware::kNotSupported;
     return 0;
   }
-  const SlotDescription slot = *input < machine_->slots.size() ? machine_->slots[*input] : SlotDescription{};
+  const SlotContents slot = *input < machine_->slots.size() ? machine_->slots[*input] : SlotContents{};
   const BlockAnswer& answer = isInformation ? slot.battery : slot.cellSwell;
   if (answer.channelStatus != 0) {
     return answer.channelStatus;
@@ -177,12 +177,11 @@ std::time_t SimulatedPlatform::LocalTimeValue(const std::tm& calendarTime) {
   return seconds < 0 ? std::time_t{-1} : std::time_t{seconds};
 }
 
-std::string SimulatedPlatform::BatterySource() {
-  return machine_->source;
-}
-
-std::optional<std::uint32_t> SimulatedPlatform::DriverStateOfCharge(std::uint32_t slot) {
-  return slot < machine_->slots.size() ? machine_->slots[slot].driverStateOfCharge : std::nullopt;
+platform::SlotDescription SimulatedPlatform::DescribeSlot(std::uint32_t slot) {
+  const bool isSlot = slot < machine_->slots.size();
+  platform::SlotDescription description = isSlot ? machine_->slots[slot].driver : platform::SlotDescription();
+  description.source = machine_->source;
+  return description;
 }
 
 }  // namespace norv::simulator

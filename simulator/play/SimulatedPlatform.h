@@ -26,8 +26,7 @@ class SimulatedPlatform : public platform::Platform {
   std::uint32_t LastSystemCode() override;
   std::time_t Now() override;
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
-  std::string BatterySource() override;
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
+  platform::SlotDescription DescribeSlot(std::uint32_t slot) override;
 
  private:
   const TestProgramDescription* FindProgram(const char* path) const;

@@ -12,6 +12,7 @@
 #include "machine/AnswerWords.h"
 #include "machine/HexText.h"
 #include "machine/MachineFile.h"
+#include "machine/SlotFile.h"
 #include "machine/Text.h"
 #include "norv/simulator/SimulatedMachine.h"
 #include "play/SimulatedPlatform.h"
@@ -73,6 +74,16 @@ void AddSlotAnswer(const RecordedCall* call, const std::string& name, std::uint3
   }
 }
 
+void AddDescription(const platform::SlotDescription& description, Object& slot) {
+  if (description.stateOfCharge.has_value()) {
+    slot["driverStateOfCharge"] = *description.stateOfCharge;
+  }
+  Object driver = DriverJson(description);
+  if (!driver.IsEmpty()) {
+    slot["driver"] = std::move(driver);
+  }
+}
+
 Array SlotsJson(const Calls& calls) {
   Array slots;
   for (const std::string number : {"0", "1"}) {
@@ -80,9 +91,9 @@ Array SlotsJson(const Calls& calls) {
     AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,7,1 slot " + number), "battery", firmware::kEmptySlot, slot);
     const std::uint32_t absent = slot.Find("battery") != nullptr ? firmware::kNotSupported : firmware::kNoBattery;
     AddSlotAnswer(FindCall(calls, kSendBiosCommand, "1,86,1 slot " + number), "cellSwell", absent, slot);
-    const RecordedCall* const charge = FindCall(calls, kDriverStateOfCharge, number);
-    if (charge != nullptr && !charge->outcome.fails) {
-      slot["driverStateOfCharge"] = charge->outcome.number;
+    const RecordedCall* const described = FindCall(calls, kDescribeSlot, number);
+    if (described != nullptr) {
+      AddDescription(*described->outcome.slot, slot);
     }
     slots.push_back(slot.IsEmpty() ? Value() : Value(std::move(slot)));
   }
@@ -227,9 +238,9 @@ Object DescribedJson(const Calls& calls, const Origin& origin) {
   const std::string description = OneLine(origin.description);
   machine["description"] = description.empty() ? "A recorded machine" : description;
   machine["recordedFrom"] = OriginJson(origin, calls);
-  const RecordedCall* const source = FindCall(calls, kBatterySource);
-  if (source != nullptr && !source->outcome.text.value_or("").empty()) {
-    machine["source"] = base::AsUtf8(*source->outcome.text);
+  const RecordedCall* const described = FindCall(calls, kDescribeSlot);
+  if (described != nullptr && !described->outcome.slot->source.empty()) {
+    machine["source"] = base::AsUtf8(described->outcome.slot->source);
   }
   machine["slots"] = SlotsJson(calls);
   AddUnlessEmpty("wmi", WmiJson(calls), machine);

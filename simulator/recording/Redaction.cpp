@@ -6,13 +6,16 @@
 #include <string_view>
 
 #include "SystemMessages.h"
+#include "base/Utf8.h"
 #include "battery/NorvBatteryTestXmlParser.h"
 #include "calls/Operations.h"
+#include "firmware/BatteryInformationBlock.h"
 #include "firmware/Commands.h"
 #include "machine/MachineDescription.h"
 #include "machine/Text.h"
 #include "norv/simulator/SimulatedMachine.h"
 #include "play/WmiQuery.h"
+#include "record/Characters.h"
 #include "recording/RedactedBlock.h"
 #include "system-battery/SystemBattery.h"
 
@@ -218,9 +221,27 @@ bool KeepMessage(RecordedCall& call, const KeyedHash&) {
   return true;
 }
 
-bool KeepSource(RecordedCall& call, const KeyedHash&) {
-  const std::string source = call.outcome.text.value_or("");
-  call.outcome.text = source == platform::kSystemBatterySource ? source : Masked(source);
+// What the kernel and the battery class of Windows call the technologies.
+constexpr std::array<std::string_view, 13> kTechnologies = {"NiMH", "Li-ion", "Li-poly", "LiFe", "NiCd", "LiMn", "LION",
+                                                            "Li-I", "LiP",    "PbAc",    "NiZn", "RAM",  "LIP"};
+
+// Its numbers stay, and of the texts what the block keeps, too: a manufacturer that it holds whole, and the name of a
+// kind of battery, which is of letters and digits alone.
+platform::SlotDescription KeptDescription(platform::SlotDescription slot, const KeyedHash& hash) {
+  slot.source = slot.source == platform::kSystemBatterySource ? slot.source : Masked(slot.source);
+  slot.modelName =
+      shared::battery::record::AreLettersOrDigits(slot.modelName) ? slot.modelName : Masked(slot.modelName);
+  slot.serialNumber = base::AsUtf8(MaskedSerialNumber(slot.serialNumber, hash));
+  slot.manufacturer =
+      slot.manufacturer.size() <= firmware::kManufacturer.width ? slot.manufacturer : Masked(slot.manufacturer);
+  slot.technology = IsAmong(slot.technology, kTechnologies) ? slot.technology : Masked(slot.technology);
+  return slot;
+}
+
+bool KeepDescription(RecordedCall& call, const KeyedHash& hash) {
+  if (call.outcome.slot.has_value()) {
+    call.outcome.slot = KeptDescription(*call.outcome.slot, hash);
+  }
   return true;
 }
 
@@ -248,8 +269,7 @@ constexpr std::array kCalls{
     CallRule{kReportInvalidParameter, KeepNumbers},
     CallRule{kNow, KeepNumbers},
     CallRule{kLocalTimeValue, KeepNumbers},
-    CallRule{kBatterySource, KeepSource},
-    CallRule{kDriverStateOfCharge, KeepNumbers},
+    CallRule{kDescribeSlot, KeepDescription},
 };
 
 bool Keep(RecordedCall& call, const KeyedHash& hash) {

@@ -174,6 +174,8 @@ INSTANTIATE_TEST_SUITE_P(All, PlatformContract, testing::ValuesIn(kMakers),
 TEST_P(PlatformContract, AnEmptySlotHasNoStateOfCharge) {
   for (const std::uint32_t slot : {0U, 1U, 2U, 0xFFFFFFFFU}) {
     EXPECT_EQ(platform_.DriverStateOfCharge(slot), std::nullopt);
+    EXPECT_EQ(platform_.DescribeSlot(slot).stateOfCharge, std::nullopt);
+    EXPECT_EQ(platform_.DescribeSlot(slot).source, platform_.BatterySource());
   }
 }
 
@@ -187,11 +189,7 @@ class BatteryClassPlatform : public PlatformWrapper {
                                std::uint32_t* returnCode) override {
     return platform::AnswerBiosCommand(first, second, third, input, inputSize, output, returnCode, Read);
   }
-  std::string BatterySource() override { return platform::kSystemBatterySource; }
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override {
-    const auto battery = Read(slot);
-    return battery.has_value() ? battery->stateOfCharge : std::nullopt;
-  }
+  platform::SlotDescription DescribeSlot(std::uint32_t slot) override { return platform::DescribeBattery(Read(slot)); }
 
  private:
   static std::optional<platform::SystemBattery> Read(std::uint32_t slot) {
@@ -296,6 +294,8 @@ TEST_P(BatteryContract, TellsItsSourceAndTheDriversStateOfCharge) {
   EXPECT_EQ(platform_.BatterySource(), "the system's battery driver");
   EXPECT_EQ(platform_.DriverStateOfCharge(0), 70U);
   EXPECT_EQ(platform_.DriverStateOfCharge(1), std::nullopt);
+  EXPECT_EQ(platform_.DescribeSlot(0).stateOfCharge, 70U);
+  EXPECT_EQ(platform_.DescribeSlot(1).stateOfCharge, std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, BatteryContract, testing::ValuesIn(MakersWithABattery()),

@@ -80,7 +80,7 @@ class HelpTest(ToolTest):
     def test_a_machine_that_throws_leaves_a_message_and_no_folder(self):
         temporary = pathlib.Path(self.folder.name, "temporary")
         temporary.mkdir()
-        for operation in ("BatterySource", "DriverStateOfCharge", "Now", "SendBiosCommand"):
+        for operation in ("DescribeSlot", "Now", "SendBiosCommand"):
             for thrown, part in (("int", "does not say why"), ("runtime_error", "injected fault")):
                 contents = machine({}, testProgram=test_program(), faults=[{"operation": operation, "throws": thrown}])
                 for command in (("report", "--test"), ("record", "--test"), ("watch", "--count", "1"), ("encode",)):

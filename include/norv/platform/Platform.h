@@ -1,6 +1,7 @@
 // The one seam between the library and the outside world.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <ctime>
 #include <memory>
@@ -40,6 +41,39 @@ struct ProductVersion {
   std::uint16_t build = 0;
   std::uint16_t revision = 0;
 };
+
+// Where the answers of SendBiosCommand for one slot come from, and what its source tells besides. Texts are UTF-8, as
+// the source gives them and whole, and empty where it gives none.
+struct SlotDescription {
+  // The bytes of the battery-information block. A field is told where the bytes of its place are: what stands at any
+  // other is a 0 that nobody told, or follows from other fields.
+  using Told = std::bitset<128>;
+
+  std::string source;                          // a few words for people ("the system's battery driver")
+  Told told = Told().set();                    // all of them, as a BIOS tells them
+  std::optional<std::uint32_t> stateOfCharge;  // percent, the source's own relative state of charge
+  std::string modelName;
+  std::string serialNumber;
+  std::string manufacturer;
+  std::string technology;  // "Li-ion", "LiP"
+  // mWh and mW, where the source counts energy. The power is negative while the battery discharges.
+  std::optional<std::int64_t> designEnergy;
+  std::optional<std::int64_t> fullChargeEnergy;
+  std::optional<std::int64_t> remainingEnergy;
+  std::optional<std::int64_t> power;
+};
+
+inline bool operator==(const SlotDescription& left, const SlotDescription& right) {
+  return left.source == right.source && left.told == right.told && left.stateOfCharge == right.stateOfCharge &&
+         left.modelName == right.modelName && left.serialNumber == right.serialNumber &&
+         left.manufacturer == right.manufacturer && left.technology == right.technology &&
+         left.designEnergy == right.designEnergy && left.fullChargeEnergy == right.fullChargeEnergy &&
+         left.remainingEnergy == right.remainingEnergy && left.power == right.power;
+}
+
+inline bool operator!=(const SlotDescription& left, const SlotDescription& right) {
+  return !(left == right);
+}
 
 // Everything the outside world does for the library. A platform reports facts and codes; what they mean, how a failure
 // is worded and what happens next is decided by the library.
@@ -112,13 +146,14 @@ class NORV_BATTERY_API Platform {
   // platform cannot represent it.
   virtual std::time_t LocalTimeValue(const std::tm& calendarTime) = 0;
 
-  // Where the answers of SendBiosCommand come from, in a few words for people ("the system's battery driver"); empty
-  // when that is not known, which is the default.
+  // What hosts asked for before there was DescribeSlot(): the source that slot 0 has, and the state of charge of a
+  // slot.
   virtual std::string BatterySource();
-
-  // The relative state of charge in percent that the driver of the battery in `slot` gives by itself; nothing when it
-  // gives none, which is the default.
   virtual std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot);
+
+  // What is known of the source of a slot. The default knows nothing but that it tells all. Of a slot without a battery
+  // a source that tells only some fields tells none.
+  virtual SlotDescription DescribeSlot(std::uint32_t slot);
 };
 
 // Makes a platform the current one for as long as the object lives, then puts the one before it back. The platform
@@ -157,6 +192,7 @@ class NORV_BATTERY_API PlatformWrapper : public Platform {
   std::time_t LocalTimeValue(const std::tm& calendarTime) override;
   std::string BatterySource() override;
   std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
+  SlotDescription DescribeSlot(std::uint32_t slot) override;
 
  protected:
   Platform& Inner() { return inner_; }

@@ -30,6 +30,7 @@ class NORV_BATTERY_API PowerSupplyPlatform : public PlatformWrapper {
                                std::uint32_t* returnCode) override;
   std::string BatterySource() override;
   std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override;
+  SlotDescription DescribeSlot(std::uint32_t slot) override;
 
  private:
   std::string path_;

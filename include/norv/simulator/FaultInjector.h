@@ -50,8 +50,8 @@ struct Fault {
 //   ConnectWmi, Query, ReadText                                  Code
 //   RunProgram, ReadProductVersion, FormatSystemMessage          Code: LastSystemCode() gives it afterwards
 //   LastSystemCode                                               Code: the code that it gives
-//   Next, ReadNumber, LibraryPath, ModuleName, ProgramDataFolder, LocalTimeValue, BatterySource,
-//   DriverStateOfCharge                                          Fails
+//   Next, ReadNumber, LibraryPath, ModuleName, ProgramDataFolder, LocalTimeValue, DescribeSlot
+//                                                                Fails
 //
 // Every operation can throw. Now and ReportInvalidParameter can do nothing else.
 std::string FaultProblem(const Fault& fault);

@@ -18,7 +18,7 @@ namespace norv::simulator {
 //   RunProgram, ReadProductVersion   the path
 //   FormatSystemMessage              the code in decimal
 //   LocalTimeValue                   the calendar time, "2021-05-06 00:00:00"
-//   DriverStateOfCharge              the slot, "0"
+//   DescribeSlot                     the slot, "0"
 //   all others                       nothing
 struct Operation {
   std::string name;

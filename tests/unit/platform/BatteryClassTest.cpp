@@ -63,6 +63,27 @@ TEST(BatteryClass, FillsTheBlock) {
   EXPECT_EQ(std::get<platform::CapacitiesOfTheMoment>(filled.deviations[0]).voltage, 11234);
 }
 
+TEST(BatteryClass, DescribesWhatItTold) {
+  BatteryClassAnswers answers = Discharging();
+  answers.chemistry = std::string("LiP\0", 4);
+  const auto description = platform::DescribeBattery(TranslateBatteryClass(answers));
+  EXPECT_EQ(description.source, "the system's battery driver");
+  EXPECT_EQ(description.technology, "LiP");
+  EXPECT_EQ(description.modelName, "NV3C50X");
+  EXPECT_EQ(description.serialNumber, "01497 2021/03/17");
+  EXPECT_EQ(description.manufacturer, "333-AC-59-A");
+  EXPECT_EQ(description.designEnergy, 50050);
+  EXPECT_EQ(description.fullChargeEnergy, 44110);
+  EXPECT_EQ(description.remainingEnergy, 30180);
+  EXPECT_EQ(description.power, -9874);
+  for (const unsigned told : {0x00U, 0x02U, 0x04U, 0x08U, 0x0AU, 0x0CU, 0x0EU, 0x12U, 0x1CU, 0x2CU, 0x4FU, 0x5CU}) {
+    EXPECT_TRUE(description.told[told]) << told;
+  }
+  for (const unsigned place : {0x06U, 0x10U, 0x14U, 0x1AU, 0x3EU, 0x56U, 0x5EU, 0x7FU}) {
+    EXPECT_FALSE(description.told[place]) << place << ", that Windows tells nobody";
+  }
+}
+
 TEST(BatteryClass, CountsInEnergy) {
   const auto battery = TranslateBatteryClass(Discharging());
   ASSERT_TRUE(battery && battery->designCapacity && battery->fullChargeCapacity && battery->remainingCapacity);

@@ -344,6 +344,51 @@ TEST_F(PowerSupplyFolder, StandsBehindAPlatform) {
   EXPECT_EQ(machine.DriverStateOfCharge(2), std::nullopt) << "no battery";
 }
 
+// The fields by the first byte of their place.
+bool IsTold(const platform::SlotDescription& description, std::size_t place) {
+  return description.told[place];
+}
+
+TEST_F(PowerSupplyFolder, TellsOfASlotWhatItsDriverTold) {
+  WriteBattery("BAT0", {{"energy_full_design", "50050000"},
+                        {"energy_full", "44110000"},
+                        {"energy_now", "0"},
+                        {"power_now", "9874000"},
+                        {"status", "Discharging"},
+                        {"voltage_now", "11234000"},
+                        {"capacity", "1"},
+                        {"technology", "Li-poly"},
+                        {"manufacturer", "A manufacturer of a long name"},
+                        {"serial_number", "  0123456789012345678901  "},
+                        {"model_name", "DELTA 45N1234567"}});
+  WriteBattery("BAT1", {{"charge_now", "4000000"}, {"technology", "Unknown"}, {"cycle_count", "0"}});
+  PowerSupplyPlatform machine(Platform::Current(), folder_.string());
+  const platform::SlotDescription energy = machine.DescribeSlot(0);
+  EXPECT_EQ(energy.source, "the system's battery driver");
+  EXPECT_EQ(energy.stateOfCharge, 1U);
+  EXPECT_EQ(energy.technology, "Li-poly");
+  EXPECT_EQ(energy.manufacturer, "A manufacturer of a long name");
+  EXPECT_EQ(energy.serialNumber, "0123456789012345678901");
+  EXPECT_EQ(energy.modelName, "DELTA 45N1234567");
+  EXPECT_EQ(energy.designEnergy, 50050);
+  EXPECT_EQ(energy.fullChargeEnergy, 44110);
+  EXPECT_EQ(energy.remainingEnergy, 0);
+  EXPECT_EQ(energy.power, -9874) << "negative, as the current, while it discharges";
+  EXPECT_FALSE(IsTold(energy, 0x00)) << "no charge follows from the energy without a design voltage";
+  EXPECT_TRUE(IsTold(energy, 0x0C) && IsTold(energy, 0x0D)) << "voltage";
+  EXPECT_TRUE(IsTold(energy, 0x0E)) << "current";
+  EXPECT_TRUE(IsTold(energy, 0x12)) << "status";
+  EXPECT_TRUE(IsTold(energy, 0x1C) && IsTold(energy, 0x2B)) << "serial number, to its end";
+  const platform::SlotDescription charge = machine.DescribeSlot(1);
+  EXPECT_EQ(charge.technology, "");
+  EXPECT_EQ(charge.remainingEnergy, std::nullopt);
+  EXPECT_EQ(charge.power, std::nullopt);
+  EXPECT_TRUE(IsTold(charge, 0x04) && IsTold(charge, 0x05)) << "remaining capacity";
+  EXPECT_TRUE(IsTold(charge, 0x08)) << "a cycle count of 0 is told, too";
+  EXPECT_FALSE(IsTold(charge, 0x00) || IsTold(charge, 0x0A) || IsTold(charge, 0x14)) << "and nothing else is";
+  EXPECT_TRUE(machine.DescribeSlot(2).told.none()) << "no battery";
+}
+
 // The value that a listing gives for an attribute of BAT0.
 std::optional<std::string> Listed(const std::string& text, const char* attribute = "capacity") {
   return SupplyListing(text).Open("BAT0")(attribute);

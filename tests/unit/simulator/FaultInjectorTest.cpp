@@ -203,12 +203,10 @@ TEST(FaultyBatteries, TellNothingOfTheirSource) {
   FaultInjector none(machine->AsPlatform(), {});
   EXPECT_EQ(none.BatterySource(), "here");
   EXPECT_EQ(none.DriverStateOfCharge(0), 1U);
-  FaultInjector injector(machine->AsPlatform(),
-                         {MakeFault("BatterySource", FaultEffect::Fails),
-                          MakeFault("DriverStateOfCharge", FaultEffect::Fails, 0, std::nullopt, "1")});
-  EXPECT_EQ(injector.BatterySource(), "");
-  EXPECT_EQ(injector.DriverStateOfCharge(0), 1U);
-  EXPECT_EQ(injector.DriverStateOfCharge(1), std::nullopt);
+  FaultInjector injector(machine->AsPlatform(), {MakeFault("DescribeSlot", FaultEffect::Fails, 0, std::nullopt, "1")});
+  EXPECT_EQ(injector.DescribeSlot(0).stateOfCharge, 1U);
+  EXPECT_EQ(injector.DescribeSlot(0).source, "here");
+  EXPECT_EQ(injector.DescribeSlot(1), platform::SlotDescription());
 }
 
 TEST_F(FaultInjectorTest, EveryKindOfExceptionIsThrown) {
@@ -253,8 +251,7 @@ TEST_F(FaultInjectorTest, EveryOperationCanThrow) {
                                     "ReportInvalidParameter",
                                     "Now",
                                     "LocalTimeValue",
-                                    "BatterySource",
-                                    "DriverStateOfCharge"};
+                                    "DescribeSlot"};
   for (const char* operation : operations) {
     FaultInjector injector = With({MakeFault(operation, FaultEffect::ThrowsOther)});
     const auto askEverything = [&] {
@@ -278,8 +275,7 @@ TEST_F(FaultInjectorTest, EveryOperationCanThrow) {
       injector.ReportInvalidParameter();
       injector.Now();
       injector.LocalTimeValue({});
-      injector.BatterySource();
-      injector.DriverStateOfCharge(0);
+      injector.DescribeSlot(0);
     };
     EXPECT_THROW(askEverything(), InjectedException) << operation;
   }

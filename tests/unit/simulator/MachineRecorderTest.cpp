@@ -158,8 +158,12 @@ class OddPlatform : public platform::PlatformWrapper {
     buffer[0] = '\xFF';  // no UTF-8
     return 3;
   }
-  std::string BatterySource() override { return "an odd platform"; }
-  std::optional<std::uint32_t> DriverStateOfCharge(std::uint32_t slot) override { return 50 + slot + ++asked_; }
+  platform::SlotDescription DescribeSlot(std::uint32_t slot) override {
+    platform::SlotDescription description;
+    description.source = "an odd platform";
+    description.stateOfCharge = 50 + slot + ++asked_;
+    return description;
+  }
 
  private:
   std::time_t now_ = 1600000000;
@@ -179,13 +183,13 @@ TEST(MachineRecorder, AnswersThatNoDescriptionHoldsAreSpelledOut) {
     for (time.tm_mon = 0; time.tm_mon < 3; ++time.tm_mon) {
       told.push_back(platform.Now());
       told.push_back(platform.LocalTimeValue(time));
-      told.push_back(*platform.DriverStateOfCharge(1));
+      told.push_back(*platform.DescribeSlot(1).stateOfCharge);
     }
     char path[8];
     told.push_back(platform.LibraryPath(path, sizeof path));
     told.push_back(path[0]);
     told.push_back(path[7]);
-    EXPECT_EQ(platform.BatterySource(), "an odd platform");
+    EXPECT_EQ(platform.DescribeSlot(0).source, "an odd platform");
     return told;
   };
   const std::vector<std::int64_t> told = ask(recorder);
@@ -321,19 +325,96 @@ TEST(MachineRecorder, WhatNoDescriptionHoldsIsSpelledOut) {
   class Talkative : public platform::PlatformWrapper {
    public:
     using PlatformWrapper::PlatformWrapper;
-    std::string BatterySource() override { return "a source\nof two lines"; }
+    platform::SlotDescription DescribeSlot(std::uint32_t /*slot*/) override {
+      platform::SlotDescription description;
+      description.source = "a source\nof two lines";
+      return description;
+    }
   };
   const auto machine = QuickSample("one-battery");
   Talkative talkative(machine->AsPlatform());
   MachineRecorder recorder(talkative);
-  EXPECT_EQ(recorder.BatterySource(), "a source\nof two lines");
+  EXPECT_EQ(recorder.DescribeSlot(0).source, "a source\nof two lines");
   const BiosAnswer battery = Ask(recorder, 7, 0);
   RecordingOptions options;
   options.origin.description = "Also\ntwo lines";
   const auto replayed = SimulatedMachine::FromText(recorder.MachineText(options), "the recording");
-  EXPECT_EQ(replayed->AsPlatform().BatterySource(), "a source\nof two lines");
+  EXPECT_EQ(replayed->AsPlatform().DescribeSlot(0).source, "a source\nof two lines");
   EXPECT_EQ(Ask(replayed->AsPlatform(), 7, 0).output, battery.output);
   EXPECT_EQ(replayed->RecordedFrom()->description, "Also two lines");
+}
+
+// The description of each slot, with another state of charge each time where `changes`.
+class DescribedPlatform : public platform::PlatformWrapper {
+ public:
+  DescribedPlatform(platform::Platform& inner, bool changes) : PlatformWrapper(inner), changes_(changes) {}
+
+  platform::SlotDescription DescribeSlot(std::uint32_t slot) override {
+    platform::SlotDescription description;
+    description.source = "a driver";
+    if (slot != 0) {
+      description.told.reset();
+      return description;
+    }
+    description.told.reset(9).reset(127);
+    description.stateOfCharge = 57 + (changes_ ? asked_++ : 0);
+    description.modelName = "DELTA 45\xC3\xA4";
+    description.serialNumber = "01497 and more than the block holds";
+    description.manufacturer = "SMP";
+    description.technology = "Li-ion";
+    description.designEnergy = 50050;
+    description.fullChargeEnergy = 44110;
+    description.remainingEnergy = 0;
+    description.power = -9874;
+    return description;
+  }
+
+ private:
+  bool changes_;
+  std::uint32_t asked_ = 0;
+};
+
+TEST(MachineRecorder, ASlotIsDescribedAsItWas) {
+  for (const bool changes : {false, true}) {
+    const auto machine = QuickSample("one-battery");
+    DescribedPlatform described(machine->AsPlatform(), changes);
+    MachineRecorder recorder(described);
+    std::vector<platform::SlotDescription> told;
+    for (const std::uint32_t slot : {0U, 1U, 0U}) {
+      told.push_back(recorder.DescribeSlot(slot));
+    }
+    const auto text = recorder.MachineText();
+    EXPECT_EQ(text.find("\"answers\"") != std::string::npos, changes);
+    const auto replayed = SimulatedMachine::FromText(text, "the recording");
+    EXPECT_EQ(replayed->AsPlatform().DescribeSlot(0), told[0]);
+    EXPECT_EQ(replayed->AsPlatform().DescribeSlot(1), told[1]);
+    EXPECT_EQ(replayed->AsPlatform().DescribeSlot(0), told[2]);
+  }
+}
+
+// Of the time when the source and the state of charge were asked for by themselves.
+TEST(MachineRecorder, RecordingsOfEarlierVersionsAreReplayed) {
+  const auto machine = SimulatedMachine::FromText(R"({
+      "description": "A recorded machine",
+      "recordedFrom": {"kind": "machine"},
+      "slots": [{"battery": {"voltage": 11800}, "driverStateOfCharge": 97}, null],
+      "clock": {"now": "2024-06-01T12:00:00Z"},
+      "answers": [
+        {"operation": "BatterySource", "result": "a source\nof two lines"},
+        {"operation": "DriverStateOfCharge", "argument": "0", "result": 97},
+        {"operation": "DriverStateOfCharge", "argument": "0", "result": null},
+        {"operation": "DriverStateOfCharge", "argument": "0", "throws": "int", "number": 3}
+      ]})",
+                                                  "an earlier recording");
+  platform::Platform& platform = machine->AsPlatform();
+  const platform::SlotDescription first = platform.DescribeSlot(0);
+  EXPECT_EQ(first.source, "a source\nof two lines");
+  EXPECT_EQ(first.stateOfCharge, 97U);
+  EXPECT_TRUE(first.told.all());
+  EXPECT_EQ(platform.DescribeSlot(0).stateOfCharge, std::nullopt);
+  EXPECT_THROW(platform.DescribeSlot(0), int);
+  EXPECT_EQ(platform.DescribeSlot(1).stateOfCharge, std::nullopt);
+  EXPECT_EQ(platform.DescribeSlot(1).source, first.source);
 }
 
 TEST(MachineRecorder, ARecordingNamesItsOrigin) {

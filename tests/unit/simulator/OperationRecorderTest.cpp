@@ -46,8 +46,8 @@ void AskEverything(platform::Platform& platform) {
   platform.ReportInvalidParameter();
   platform.Now();
   platform.LocalTimeValue(time);
+  platform.DescribeSlot(1);
   platform.BatterySource();
-  platform.DriverStateOfCharge(1);
 }
 
 const std::vector<Operation> kEverything{
@@ -67,8 +67,8 @@ const std::vector<Operation> kEverything{
     {"ReportInvalidParameter", ""},
     {"Now", ""},
     {"LocalTimeValue", "2021-05-06 00:00:00"},
-    {"BatterySource", ""},
-    {"DriverStateOfCharge", "1"},
+    {"DescribeSlot", "1"},
+    {"DescribeSlot", "0"},  // which is where the source is
 };
 
 TEST(OperationRecorder, NotesEverythingInOrder) {

@@ -345,7 +345,19 @@ class OwnersPlatform : public platform::PlatformWrapper {
     throw std::system_error(7, category, "Karl");
   }
   std::wstring ModuleName() override { return L"K\u00E4rl.dll"; }
-  std::string BatterySource() override { return "Karl\r\nhimself"; }
+  platform::SlotDescription DescribeSlot(std::uint32_t slot) override {
+    platform::SlotDescription description;
+    description.source = slot == 0 ? "Karl\r\nhimself" : "the system's battery driver";
+    description.told.reset(3);
+    description.stateOfCharge = 57;
+    description.modelName = slot == 0 ? "Karl's" : "NV3C50X";
+    description.serialNumber = slot == 0 ? "Karl-01497 2021/03/17" : "K\u00E4rl";
+    description.manufacturer = slot == 0 ? "Karl the manufacturer himself" : "333-AC-59-A";
+    description.technology = slot == 0 ? "Karl" : "Li-ion";
+    description.designEnergy = 50050;
+    description.power = -9874;
+    return description;
+  }
   std::uint32_t LibraryPath(char* buffer, std::uint32_t size) override {
     std::string_view("C:\\Karl\\a.dll\0Karl", 18).copy(buffer, size);
     return 18;
@@ -360,7 +372,8 @@ TEST(Redaction, MasksWhatNoMachineFileSays) {
   std::uint32_t returnCode = 0;
   EXPECT_THROW(recorder.SendBiosCommand(1, 7, 1, nullptr, 0, nullptr, &returnCode), std::system_error);
   EXPECT_EQ(recorder.ModuleName(), L"K\u00E4rl.dll");
-  EXPECT_EQ(recorder.BatterySource(), "Karl\r\nhimself");
+  EXPECT_EQ(recorder.DescribeSlot(0).source, "Karl\r\nhimself");
+  EXPECT_EQ(recorder.DescribeSlot(1).technology, "Li-ion");
   EXPECT_EQ(recorder.LibraryPath(buffer.data(), buffer.size()), 18U);
   RecordingOptions options;
   options.hash = HashWith(1);
@@ -375,7 +388,24 @@ TEST(Redaction, MasksWhatNoMachineFileSays) {
     EXPECT_EQ(thrown.code(), std::error_code(7, std::generic_category()));
   }
   EXPECT_EQ(replay.ModuleName(), L"xxxxxxxxx");
-  EXPECT_EQ(replay.BatterySource(), "xxxx\r\nxxxxxxx");
+  const platform::SlotDescription masked = replay.DescribeSlot(0);
+  EXPECT_EQ(masked.source, "xxxx\r\nxxxxxxx");
+  EXPECT_EQ(masked.modelName, "xxxxxx");
+  EXPECT_EQ(masked.serialNumber.size(), 21U);
+  EXPECT_THAT(masked.serialNumber, testing::EndsWith(" 2021/03/17"));
+  EXPECT_EQ(masked.manufacturer, std::string(29, 'x'));
+  EXPECT_EQ(masked.technology, "xxxx");
+  platform::SlotDescription numbers;
+  numbers.told.reset(3);
+  EXPECT_EQ(masked.told, numbers.told);
+  EXPECT_EQ(masked.stateOfCharge, 57U);
+  EXPECT_EQ(masked.designEnergy, 50050);
+  EXPECT_EQ(masked.power, -9874);
+  const platform::SlotDescription kept = replay.DescribeSlot(1);
+  EXPECT_EQ(kept.source, "the system's battery driver");
+  EXPECT_EQ(kept.modelName, "NV3C50X");
+  EXPECT_EQ(kept.manufacturer, "333-AC-59-A");
+  EXPECT_EQ(kept.technology, "Li-ion");
   EXPECT_EQ(replay.LibraryPath(buffer.data(), buffer.size()), 18U);
   EXPECT_EQ(std::string(buffer.data(), 18), std::string("xx\\xxxx\\xxxxx\0xxxx", 18));
 }

@@ -104,6 +104,7 @@ TEST(SimulatedBatteries, TellWhereTheyWereRead) {
   EXPECT_EQ(machine->AsPlatform().DriverStateOfCharge(1), 4294967295U);
   EXPECT_EQ(machine->AsPlatform().DriverStateOfCharge(2), std::nullopt);
   const auto other = MachineWith(R"("slots": [{"battery": {}}])");
+  EXPECT_EQ(other->AsPlatform().DescribeSlot(0), platform::SlotDescription()) << "a BIOS tells all";
   EXPECT_EQ(other->AsPlatform().BatterySource(), "");
   EXPECT_EQ(other->AsPlatform().DriverStateOfCharge(0), std::nullopt);
 }

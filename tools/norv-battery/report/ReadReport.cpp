@@ -55,7 +55,7 @@ std::string ChannelText(ChannelObserver& machine, const Source& source) {
   if (!machine.WasAsked()) {
     return "the maker's BIOS channel";
   }
-  std::string named = machine.BatterySource();
+  std::string named = machine.DescribeSlot(0).source;
   if (!named.empty()) {
     return named;
   }
@@ -116,7 +116,7 @@ Report ReadReport(const Source& source, const ReadOptions& options) {
     if (NorvBatteryInfo* battery = batteries.Query(slot)) {
       report.batteries.at(slot) = ReadBattery(slot, *battery);
       report.batteries.at(slot)->driverStateOfCharge =
-          machine.WasAsked() ? machine.DriverStateOfCharge(slot) : std::nullopt;
+          machine.WasAsked() ? machine.DescribeSlot(slot).stateOfCharge : std::nullopt;
     }
   }
   return report;
