@@ -2,7 +2,7 @@
 
 namespace norv::shared::battery::access {
 
-norvbios::PrivateBiosWmi& Channel(norvbios::PrivateBiosWmi*& bios) {
+norvbios::PrivateBiosWmi& EnsureChannel(norvbios::PrivateBiosWmi*& bios) {
   if (bios == nullptr) {
     bios = new norvbios::PrivateBiosWmi;
   }

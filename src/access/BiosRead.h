@@ -16,7 +16,7 @@ struct Answer {
 };
 
 // The channel at `bios`; where there is none yet, the machine's own is made and stored there first.
-norvbios::PrivateBiosWmi& Channel(norvbios::PrivateBiosWmi*& bios);
+norvbios::PrivateBiosWmi& EnsureChannel(norvbios::PrivateBiosWmi*& bios);
 
 // Asks about slot `index` and waits for the answer.
 Answer Ask(norvbios::PrivateBiosWmi& bios, firmware::Command command, unsigned char index);

@@ -43,7 +43,7 @@ NorvBatteries::NorvBatteries(bool readCellSwellProtection, bool runBatteryTest, 
     : batteries_{nullptr, nullptr}, bios_(static_cast<norvbios::PrivateBiosWmi*>(bios)), testInfo_(testInfo) {
   const Operation operation("norv::shared::battery::NorvBatteries::NorvBatteries", error_);
   operation.LogStarted(" ");
-  operation.Run([this] { access::Channel(bios_); });
+  operation.Run([this] { access::EnsureChannel(bios_); });
   if (testInfo_ == nullptr && runBatteryTest) {
     operation.Run([this] { testInfo_ = new NorvBatteryTestInfo; });
   }

@@ -59,7 +59,8 @@ bool NorvBatteries::ReadNorvBatteryInfo(unsigned char index) {
       return operation.Fail(WrongValue<int>(0, kInvalidIndex));
     }
     const diagnostics::LoggedRemarks remarks(operation);
-    const access::Answer answer = access::Ask(access::Channel(bios_), firmware::Command::BatteryInformation, index);
+    const access::Answer answer =
+        access::Ask(access::EnsureChannel(bios_), firmware::Command::BatteryInformation, index);
     if (answer.channelStatus != 0) {
       return operation.Fail(SystemFailure(answer.channelStatus));
     }
@@ -88,7 +89,8 @@ bool NorvBatteries::ReadNorvBatteryCSP(unsigned char index) {
     if (index > kLastIndex) {
       return operation.Fail(WrongValue<int>(0, kInvalidIndex));
     }
-    const access::Answer answer = access::Ask(access::Channel(bios_), firmware::Command::CellSwellProtection, index);
+    const access::Answer answer =
+        access::Ask(access::EnsureChannel(bios_), firmware::Command::CellSwellProtection, index);
     if (answer.channelStatus != 0) {
       operation.Log(Severity::Error,
                     {"PrivateBiosWMI error occurred - HRESULT = ", std::to_string(answer.channelStatus)});
