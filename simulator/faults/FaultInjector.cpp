@@ -28,7 +28,7 @@ class Plan {
   // Counts the call. What the fault that strikes it makes of it, if any.
   std::optional<Outcome> Strike(const Call& call) {
     const Fault* const fault = Count(call);
-    const std::optional<Outcome> outcome = fault != nullptr ? std::optional(FaultOutcome(*fault)) : std::nullopt;
+    std::optional<Outcome> outcome = fault != nullptr ? std::optional(FaultOutcome(*fault)) : std::nullopt;
     if (call.operation != kLastSystemCode) {
       codes_.Leave(outcome.has_value() ? outcome->left : std::nullopt);
     }
