@@ -13,6 +13,10 @@
 
 namespace norv::shared::battery {
 
+namespace fields {
+struct BlockOf;
+}
+
 class BiosBatterySettings;
 class NorvBatteryTestInfo;
 
@@ -141,6 +145,8 @@ class NORV_BATTERY_API NorvBatteryInfo {
   void SetWarrantyDate();
 
  private:
+  friend struct fields::BlockOf;  // reads the bytes of the record's block, for fields that no accessor gives
+
   struct Holdings;  // what a record shares with its copies: its texts and everything ever attached
 
   // A record's share in its holdings. Assigning another share keeps what was held before, so that no text or pointer

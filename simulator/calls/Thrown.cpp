@@ -28,7 +28,8 @@ void ThrowSystemError(const Thrown& thrown) {
   if (thrown.text.empty()) {
     throw std::system_error(code);
   }
-  throw std::system_error(code, thrown.text);
+  // A text ends at its first NUL for whoever is told of it, and what the code says must still be heard.
+  throw std::system_error(code, thrown.text.c_str());
 }
 
 // A thrown pointer has no owner, so that what it points to has to stay, to the very end of the process.

@@ -30,12 +30,6 @@ constexpr std::array kOwnKeys{
     OwnKey{NORV_BATTERY_MANUFACTURING_DATE, "manufactureDate"},
 };
 
-std::string KeyOf(const fields::Row& row) {
-  const auto* const own =
-      std::find_if(kOwnKeys.begin(), kOwnKeys.end(), [&](const OwnKey& one) { return one.field == row.number; });
-  return std::string(own != kOwnKeys.end() ? own->key : fields::BareKey(row.key));
-}
-
 void PutNumber(const JsonNode& node, firmware::Field place, Block& block) {
   const std::int64_t least = place.isSigned ? std::numeric_limits<std::int16_t>::min() : 0;
   const std::int64_t word = node.WholeNumber(least, std::numeric_limits<std::uint16_t>::max());
@@ -65,7 +59,7 @@ void PutDate(const JsonNode& node, firmware::Field place, Block& block) {
 }
 
 // Fills the items of a list, and leaves those that the file does not have.
-void PutItems(const JsonNode& node, std::span<const fields::Row* const> items, Block& block) {
+void PutItems(const JsonNode& node, StoredRows items, Block& block) {
   std::size_t count = 0;
   for (const JsonNode& item : node.Items(items.size())) {
     PutNumber(item, items[count++]->place, block);
@@ -84,34 +78,15 @@ void PutField(const JsonNode& node, const fields::Row& row, Block& block) {
   }
 }
 
-// How many of the rows, the first one included, are items of the first one's list; 0 where it is in none.
-std::size_t CountItems(std::span<const fields::Row* const> rows) {
-  std::size_t count = 0;
-  while (count < rows.size() && fields::ItemIndex(*rows[count]) == count) {
-    ++count;
-  }
-  return count;
-}
-
-// Calls take(key, rows) for each member that a block may have: with the row of a field, or those of a list's items.
-template <typename Take>
-void ForEachMember(std::span<const fields::Row* const> rows, Take take) {
-  while (!rows.empty()) {
-    const std::size_t count = std::max<std::size_t>(CountItems(rows), 1);
-    take(KeyOf(*rows.front()), rows.first(count));
-    rows = rows.subspan(count);
-  }
-}
-
-Block ReadFields(const JsonNode& node, std::span<const fields::Row* const> rows) {
+Block ReadFields(const JsonNode& node, StoredRows rows) {
   std::vector<std::string> keys{"hex"};
-  ForEachMember(rows, [&](const std::string& key, auto) { keys.push_back(key); });
+  ForEachMember(rows, [&](const std::string& key, StoredRows) { keys.push_back(key); });
   node.ExpectKeys(keys);
   Block block{};
   if (const auto hex = node.Member("hex")) {
     block = ReadBlockHex(*hex);
   }
-  ForEachMember(rows, [&](const std::string& key, std::span<const fields::Row* const> members) {
+  ForEachMember(rows, [&](const std::string& key, StoredRows members) {
     if (const auto member = node.Member(key)) {
       fields::ItemIndex(*members.front()) ? PutItems(*member, members, block)
                                           : PutField(*member, *members.front(), block);
@@ -131,6 +106,12 @@ void ReadFailures(const JsonNode& slot, const char* returnCodeKey, const char* s
 }
 
 }  // namespace
+
+std::string BlockKey(const fields::Row& row) {
+  const auto* const own =
+      std::find_if(kOwnKeys.begin(), kOwnKeys.end(), [&](const OwnKey& one) { return one.field == row.number; });
+  return std::string(own != kOwnKeys.end() ? own->key : fields::BareKey(row.key));
+}
 
 Block ReadBlockHex(const JsonNode& node) {
   Block block{};

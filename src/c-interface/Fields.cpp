@@ -96,7 +96,6 @@ const Row* FindField(std::int32_t field) {
 Reading ReadField(const norv_battery_record& record, const Row& row) {
   const Asked asked = AskFor(record, row.number);
   return ReadSubject({.info = record.info,
-                      .block = record.block.data(),
                       .isDecoded = record.IsDecoded(),
                       .age = &asked,
                       .validity = &asked},

@@ -27,6 +27,10 @@ inline constexpr Group kCellSwell{"cellSwellProtection",
 inline constexpr Group kTest{"batteryTest", "Battery test"};
 inline constexpr Group kValidity{"validity", "Validity"};
 
+// In the order in which people read them.
+inline constexpr std::array kGroups{&kIdentity,   &kCapacity, &kCells,     &kStatus, &kFlags,   &kDates,
+                                    &kAttributes, &kSettings, &kCellSwell, &kTest,   &kValidity};
+
 namespace rows {
 
 using namespace firmware;  // the places

@@ -36,7 +36,6 @@ struct Asked {
 struct Subject {
   NorvBatteryInfo* info = nullptr;
   const NorvBatteryTestInfo* test = nullptr;  // null: the record's verdict
-  const unsigned char* block = nullptr;       // the record's, where it was kept
   bool isDecoded = false;                     // of a block that need not be this machine's
   // Asking a record for its age changes what it says of its validity. Whoever reads one of these two asks first.
   const Asked* age = nullptr;

@@ -24,6 +24,19 @@ constexpr Answer TextAnswer(std::string_view text) {
   return {.text = text};
 }
 
+struct BlockOf {
+  static const unsigned char* Read(const NorvBatteryInfo& info) { return info.block_; }
+};
+
+// What a place of the battery-information block holds, where no accessor gives it.
+inline Answer Word(const Row& row, const Subject& subject) {
+  return NumberAnswer(firmware::Word(BlockOf::Read(*subject.info), row.place));
+}
+
+inline Answer Bytes(const Row& row, const Subject& subject) {
+  return TextAnswer(firmware::Text(BlockOf::Read(*subject.info), row.place));
+}
+
 template <auto kGet>
 Answer Number(const Row& /*row*/, const Subject& subject) {
   return NumberAnswer(std::invoke(kGet, *subject.info));

@@ -41,7 +41,7 @@ inline norv_battery_state IfComputable(const Subject& /*subject*/, const Answer&
 // A field that holds anything but letters and digits is no name.
 inline norv_battery_state IfName(const Subject& subject, const Answer& answer) {
   const bool isOther =
-      answer.text.empty() && subject.block != nullptr && !firmware::Text(subject.block, firmware::kDeviceName).empty();
+      answer.text.empty() && !firmware::Text(BlockOf::Read(*subject.info), firmware::kDeviceName).empty();
   return isOther ? NORV_BATTERY_INVALID : UnlessEmpty(subject, answer);
 }
 

@@ -3,56 +3,16 @@
 from __future__ import annotations
 
 import ctypes
-from typing import Generic, Iterator, Optional, TypeVar, overload
+from typing import Iterator, Optional
 
+from ._catalogue import Properties
 from ._checks import bytes_of
 from ._errors import Error, Status, check, read_error
-from ._fields import Field, Reading, State, field_of, read
+from ._fields import Field, Plain, Reading, State, field_of, read
 from ._handle import Handle, Held
 from ._library import library
 
-T = TypeVar("T")
-
-
-class _Property(Generic[T]):
-    """A field as a property: its value, or None where the battery has none to be trusted."""
-
-    def __init__(self, field: Field) -> None:
-        self._field = field
-
-    @overload
-    def __get__(self, battery: None, owner: type) -> "_Property[T]": ...
-
-    @overload
-    def __get__(self, battery: "Battery", owner: type) -> Optional[T]: ...
-
-    def __get__(self, battery, owner):
-        if battery is None:
-            return self
-        reading = battery.read(self._field)
-        return reading.value if reading.state == State.VALUE else None
-
-    def __set__(self, battery: "Battery", value: object) -> None:
-        raise AttributeError("what a battery answered cannot be set")
-
-
-class _Text(_Property[str]):
-    pass
-
-
-class _Number(_Property[int]):
-    pass
-
-
-class _Real(_Property[float]):
-    pass
-
-
-class _Flag(_Property[bool]):
-    pass
-
-
-class Battery(Held):
+class Battery(Properties, Held):
     """The record of one battery: of a slot while its Batteries are open, or of a decoded block.
 
     Each field is a property, which is None unless the field has a value to be trusted. read() tells more: the state, and
@@ -62,75 +22,6 @@ class Battery(Held):
     (InUseError), and not after they are closed (ValueError). What takes a field raises TypeError for what is no whole
     number and ValueError for the number of no field.
     """
-
-    manufacturer = _Text(Field.MANUFACTURER)
-    device_name = _Text(Field.DEVICE_NAME)
-    serial_number = _Text(Field.SERIAL_NUMBER)
-    ct_number = _Text(Field.CT_NUMBER)
-    design_capacity = _Number(Field.DESIGN_CAPACITY)
-    full_charge_capacity = _Number(Field.FULL_CHARGE_CAPACITY)
-    full_charge_capacity_percentage = _Real(Field.FULL_CHARGE_CAPACITY_PERCENTAGE)
-    remaining_capacity = _Number(Field.REMAINING_CAPACITY)
-    remaining_capacity_percentage = _Real(Field.REMAINING_CAPACITY_PERCENTAGE)
-    max_error = _Number(Field.MAX_ERROR)
-    cycle_count = _Number(Field.CYCLE_COUNT)
-    design_voltage = _Number(Field.DESIGN_VOLTAGE)
-    voltage = _Number(Field.VOLTAGE)
-    current = _Number(Field.CURRENT)
-    temperature = _Number(Field.TEMPERATURE)
-    charge_rate = _Number(Field.CHARGE_RATE)
-    discharge_rate = _Number(Field.DISCHARGE_RATE)
-    cell_voltage_1 = _Number(Field.CELL_VOLTAGE_1)
-    cell_voltage_2 = _Number(Field.CELL_VOLTAGE_2)
-    cell_voltage_3 = _Number(Field.CELL_VOLTAGE_3)
-    cell_voltage_4 = _Number(Field.CELL_VOLTAGE_4)
-    status_word = _Number(Field.STATUS_WORD)
-    status_error_code = _Text(Field.STATUS_ERROR_CODE)
-    fully_discharged = _Flag(Field.FULLY_DISCHARGED)
-    fully_charged = _Flag(Field.FULLY_CHARGED)
-    discharging = _Flag(Field.DISCHARGING)
-    initialized = _Flag(Field.INITIALIZED)
-    remaining_time_alarm = _Flag(Field.REMAINING_TIME_ALARM)
-    remaining_capacity_alarm = _Flag(Field.REMAINING_CAPACITY_ALARM)
-    reserved_bit_10 = _Flag(Field.RESERVED_BIT_10)
-    terminate_discharge_alarm = _Flag(Field.TERMINATE_DISCHARGE_ALARM)
-    over_temperature_alarm = _Flag(Field.OVER_TEMPERATURE_ALARM)
-    reserved_bit_13 = _Flag(Field.RESERVED_BIT_13)
-    terminate_charge_alarm = _Flag(Field.TERMINATE_CHARGE_ALARM)
-    over_charged_alarm = _Flag(Field.OVER_CHARGED_ALARM)
-    manufacturing_date = _Text(Field.MANUFACTURING_DATE)
-    warranty_type = _Text(Field.WARRANTY_TYPE)
-    warranty_date = _Text(Field.WARRANTY_DATE)
-    age = _Number(Field.AGE)
-    pack_supplier = _Text(Field.PACK_SUPPLIER)
-    cell_supplier = _Text(Field.CELL_SUPPLIER)
-    calibration_type = _Text(Field.CALIBRATION_TYPE)
-    over_current_protection = _Number(Field.OVER_CURRENT_PROTECTION)
-    design_cycle_count = _Text(Field.DESIGN_CYCLE_COUNT)
-    ct_assembly = _Text(Field.CT_ASSEMBLY)
-    ct_revision = _Text(Field.CT_REVISION)
-    ct_supplier = _Text(Field.CT_SUPPLIER)
-    ct_manufacturing_week = _Text(Field.CT_MANUFACTURING_WEEK)
-    adaptive_battery_optimizer = _Text(Field.ADAPTIVE_BATTERY_OPTIMIZER)
-    battery_care = _Text(Field.BATTERY_CARE)
-    time_charge = _Number(Field.TIME_CHARGE)
-    time_discharge = _Number(Field.TIME_DISCHARGE)
-    time_relax = _Number(Field.TIME_RELAX)
-    time_sleep = _Number(Field.TIME_SLEEP)
-    time_full_charge = _Number(Field.TIME_FULL_CHARGE)
-    time_rsoc = _Number(Field.TIME_RSOC)
-    level_a_time = _Number(Field.LEVEL_A_TIME)
-    level_b_time = _Number(Field.LEVEL_B_TIME)
-    level_a_running_time = _Number(Field.LEVEL_A_RUNNING_TIME)
-    level_b_running_time = _Number(Field.LEVEL_B_RUNNING_TIME)
-    level_a_temperature_1_time = _Number(Field.LEVEL_A_TEMPERATURE_1_TIME)
-    level_b_temperature_1_time = _Number(Field.LEVEL_B_TEMPERATURE_1_TIME)
-    level_a_temperature_2_time = _Number(Field.LEVEL_A_TEMPERATURE_2_TIME)
-    level_b_temperature_2_time = _Number(Field.LEVEL_B_TEMPERATURE_2_TIME)
-    test_result = _Number(Field.TEST_RESULT)
-    test_label = _Text(Field.TEST_LABEL)
-    test_version = _Text(Field.TEST_VERSION)
-    valid = _Flag(Field.VALID)
 
     def __init__(self, handle: Handle, record: int, slot: Optional[int] = None) -> None:
         """Not for hosts: a battery comes from a Batteries object or from decode()."""
@@ -161,6 +52,11 @@ class Battery(Held):
         number = field_of(field)
         with self._handle:
             return read(lambda *target: library().call("read_field", self._record, number, *target))
+
+    def value(self, field: Field) -> Optional[Plain]:
+        """What a field's property gives: its value, or None where the battery has none to be trusted."""
+        reading = self.read(field)
+        return reading.value if reading.state == State.VALUE else None
 
     def readings(self) -> Iterator[Reading]:
         """Reads all fields, one after another."""

@@ -7,82 +7,10 @@ import dataclasses
 import enum
 from typing import Callable, Optional, Union
 
+from ._catalogue import Field
 from ._checks import number_between
 from ._errors import Status, check
 from ._library import DescriptionStructure, ValueStructure, library
-
-
-class Field(enum.IntEnum):
-    """Everything that a battery can answer."""
-
-    MANUFACTURER = 1
-    DEVICE_NAME = 2
-    SERIAL_NUMBER = 3
-    CT_NUMBER = 4
-    DESIGN_CAPACITY = 5
-    FULL_CHARGE_CAPACITY = 6
-    FULL_CHARGE_CAPACITY_PERCENTAGE = 7
-    REMAINING_CAPACITY = 8
-    REMAINING_CAPACITY_PERCENTAGE = 9
-    MAX_ERROR = 10
-    CYCLE_COUNT = 11
-    DESIGN_VOLTAGE = 12
-    VOLTAGE = 13
-    CURRENT = 14
-    TEMPERATURE = 15
-    CHARGE_RATE = 16
-    DISCHARGE_RATE = 17
-    CELL_VOLTAGE_1 = 18
-    CELL_VOLTAGE_2 = 19
-    CELL_VOLTAGE_3 = 20
-    CELL_VOLTAGE_4 = 21
-    STATUS_WORD = 22
-    STATUS_ERROR_CODE = 23
-    FULLY_DISCHARGED = 24
-    FULLY_CHARGED = 25
-    DISCHARGING = 26
-    INITIALIZED = 27
-    REMAINING_TIME_ALARM = 28
-    REMAINING_CAPACITY_ALARM = 29
-    RESERVED_BIT_10 = 30
-    TERMINATE_DISCHARGE_ALARM = 31
-    OVER_TEMPERATURE_ALARM = 32
-    RESERVED_BIT_13 = 33
-    TERMINATE_CHARGE_ALARM = 34
-    OVER_CHARGED_ALARM = 35
-    MANUFACTURING_DATE = 36
-    WARRANTY_TYPE = 37
-    WARRANTY_DATE = 38
-    AGE = 39
-    PACK_SUPPLIER = 40
-    CELL_SUPPLIER = 41
-    CALIBRATION_TYPE = 42
-    OVER_CURRENT_PROTECTION = 43
-    DESIGN_CYCLE_COUNT = 44
-    CT_ASSEMBLY = 45
-    CT_REVISION = 46
-    CT_SUPPLIER = 47
-    CT_MANUFACTURING_WEEK = 48
-    ADAPTIVE_BATTERY_OPTIMIZER = 49
-    BATTERY_CARE = 50
-    TIME_CHARGE = 51
-    TIME_DISCHARGE = 52
-    TIME_RELAX = 53
-    TIME_SLEEP = 54
-    TIME_FULL_CHARGE = 55
-    TIME_RSOC = 56
-    LEVEL_A_TIME = 57
-    LEVEL_B_TIME = 58
-    LEVEL_A_RUNNING_TIME = 59
-    LEVEL_B_RUNNING_TIME = 60
-    LEVEL_A_TEMPERATURE_1_TIME = 61
-    LEVEL_B_TEMPERATURE_1_TIME = 62
-    LEVEL_A_TEMPERATURE_2_TIME = 63
-    LEVEL_B_TEMPERATURE_2_TIME = 64
-    TEST_RESULT = 65
-    TEST_LABEL = 66
-    TEST_VERSION = 67
-    VALID = 68
 
 
 class Kind(enum.IntEnum):
@@ -101,6 +29,7 @@ class State(enum.IntEnum):
     ABSENT = 1  # there is none
     UNKNOWN = 2  # the firmware gave a code without a meaning
     INVALID = 3  # no such thing can be
+    NOT_TOLD = 4  # where the record was read nobody knows this field
 
 
 class Source(enum.IntEnum):
@@ -134,6 +63,9 @@ class Description:
     offset: int  # of the first byte in the source's block
     width: int  # in bytes; 0 when the field is not one place in a block
     bit: Optional[int]  # of the word there that a flag is
+    key: str  # in a report as JSON, "fullChargeCapacity"
+    group: str  # the JSON object that it lies in, "capacity"
+    label: str  # for people, "Full charge capacity"
 
 
 Plain = Union[int, float, bool, str]
@@ -167,6 +99,9 @@ def describe(field: Field) -> Description:
         offset=structure.offset,
         width=structure.width,
         bit=structure.bit if structure.bit >= 0 else None,
+        key=structure.key.decode("ascii"),
+        group=structure.group.decode("ascii"),
+        label=structure.label.decode("ascii"),
     )
 
 

@@ -53,6 +53,9 @@ class DescriptionStructure(ctypes.Structure):
         ("bit", c_int32),
         ("name", c_char * 48),
         ("unit", c_char * 16),
+        ("key", c_char * 32),
+        ("group", c_char * 24),
+        ("label", c_char * 48),
     ]
 
 

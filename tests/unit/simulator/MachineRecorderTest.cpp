@@ -495,6 +495,25 @@ TEST(Answers, LeaveTheirCodesBehind) {
   EXPECT_THROW(platform.LastSystemCode(), unsigned long);
 }
 
+// A text ends at its first NUL for whoever catches it; a recording of that says the same once more.
+TEST(Answers, ThrowATextWithANulAsOneThatEndsThere) {
+  const auto machine = MachineWith(R"("answers": [
+      {"operation": "Now", "throws": "system_error", "text": "a\u0000b", "number": 13, "category": "generic"}])");
+  const auto told = [](platform::Platform& platform) {
+    try {
+      platform.Now();
+    } catch (const std::system_error& thrown) {
+      return std::string(thrown.what());
+    }
+    return std::string("nothing thrown");
+  };
+  MachineRecorder recorder(machine->AsPlatform());
+  const std::string first = told(recorder);
+  EXPECT_EQ(first, "a: " + std::make_error_code(std::errc::permission_denied).message());
+  const auto replay = SimulatedMachine::FromText(recorder.MachineText(), "recording");
+  EXPECT_EQ(told(replay->AsPlatform()), first);
+}
+
 TEST(Answers, ThrowWhatTheySay) {
   const auto machine = MachineWith(R"("answers": [
       {"operation": "Now", "throws": "system_error", "text": "no clock", "number": 13, "category": "generic"},

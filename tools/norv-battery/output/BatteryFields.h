@@ -64,16 +64,11 @@ inline constexpr auto kGroupKey =
     ToLiteral<BareKey(kCatalogue[kIndex].group->key).size()>(BareKey(kCatalogue[kIndex].group->key));
 
 constexpr bool IsFirstOfGroup(std::size_t index) {
-  return index == 0 || kCatalogue[index].group != kCatalogue[index - 1].group;
-}
-
-// The end of the group that begins with row `first`.
-constexpr std::size_t EndOfGroup(std::size_t first) {
-  std::size_t end = first + 1;
-  while (end < kCatalogue.size() && !IsFirstOfGroup(end)) {
-    ++end;
+  std::size_t first = 0;
+  while (kCatalogue[first].group != kCatalogue[index].group) {
+    ++first;
   }
-  return end;
+  return first == index;
 }
 
 // How many items the list that begins with row `first` has.
@@ -85,12 +80,19 @@ constexpr std::size_t CountItems(std::size_t first) {
   return count;
 }
 
-// "status.flags" lies within "status".
-constexpr bool IsNested(std::size_t index) {
-  return std::string_view(kCatalogue[index].group->key).find('.') != std::string_view::npos;
+// The group that the key of another one names before its point; null for a group that lies in none.
+constexpr const Group* ParentOf(const Group& group) {
+  const std::string_view key = group.key;
+  const std::size_t point = key.rfind('.');
+  for (const Row& row : kCatalogue) {
+    if (point != std::string_view::npos && row.group->key == key.substr(0, point)) {
+      return row.group;
+    }
+  }
+  return nullptr;
 }
 
-// Calls take.operator()<index>() for each of the rows from kFirst on that `take` asks for by its first argument.
+// Calls take.operator()<index>() for each of the rows kFirst to kEnd - 1.
 template <std::size_t kFirst, std::size_t kEnd, typename Take>
 void ForEach(Take take) {
   [&]<std::size_t... kOffset>(std::index_sequence<kOffset...>) {
@@ -180,23 +182,27 @@ void WriteField(Sink& sink, const Battery& battery) {
 
 }  // namespace catalogue
 
-// Writes the group that begins with row kFirst, with what lies within it.
+// Writes the group that row kFirst is the first one of, with what lies within it.
 template <std::size_t kFirst, typename Sink, typename Battery>
 void WriteGroup(Sink& sink, const Battery& battery) {
   using catalogue::kCatalogue;
-  constexpr std::size_t kEnd = catalogue::EndOfGroup(kFirst);
+  constexpr const fields::Group* kGroup = kCatalogue[kFirst].group;
   if (battery.template IsNull<kFirst>()) {
     sink.Null(catalogue::kGroupKey<kFirst>.characters);
     return;
   }
   sink.Open(catalogue::kGroupKey<kFirst>.characters);
-  catalogue::ForEach<kFirst, kEnd>([&]<std::size_t kIndex>() { catalogue::WriteField<kIndex>(sink, battery); });
-  if constexpr (kEnd < kCatalogue.size()) {
-    if constexpr (catalogue::IsNested(kEnd)) {
-      WriteGroup<kEnd>(sink, battery);
+  catalogue::ForEach<kFirst, kCatalogue.size()>([&]<std::size_t kIndex>() {
+    if constexpr (kCatalogue[kIndex].group == kGroup) {
+      catalogue::WriteField<kIndex>(sink, battery);
     }
-  }
-  if constexpr (kCatalogue[kFirst].group == &fields::kValidity) {
+  });
+  catalogue::ForEach<0, kCatalogue.size()>([&]<std::size_t kIndex>() {
+    if constexpr (catalogue::IsFirstOfGroup(kIndex) && catalogue::ParentOf(*kCatalogue[kIndex].group) == kGroup) {
+      WriteGroup<kIndex>(sink, battery);
+    }
+  });
+  if constexpr (kGroup == &fields::kValidity) {
     sink.Failure("error", battery.ValidityFailure());
   }
   battery.template WriteBeyondCatalogue<kFirst>(sink);
@@ -208,8 +214,9 @@ template <typename Sink, typename Battery, typename IsAmong>
 void WriteGroups(Sink& sink, const Battery& battery, IsAmong isAmong) {
   using catalogue::kCatalogue;
   catalogue::ForEach<0, kCatalogue.size()>([&]<std::size_t kIndex>() {
-    if constexpr (catalogue::IsFirstOfGroup(kIndex) && !catalogue::IsNested(kIndex) &&
-                  Battery::Has(kCatalogue[kIndex]) && isAmong(*kCatalogue[kIndex].group)) {
+    constexpr const fields::Group& kGroup = *kCatalogue[kIndex].group;
+    if constexpr (catalogue::IsFirstOfGroup(kIndex) && catalogue::ParentOf(kGroup) == nullptr &&
+                  Battery::Has(kCatalogue[kIndex]) && isAmong(kGroup)) {
       WriteGroup<kIndex>(sink, battery);
     }
   });

@@ -231,24 +231,34 @@ bool IsMissing(const fields::Row& row, const BatteryReport& battery) {
   return row.source == NORV_BATTERY_FROM_CELL_SWELL_BLOCK && battery[row.number].state == NORV_BATTERY_ABSENT;
 }
 
-// Adds the sections of the fields that isShown(row).
+// Adds the fields of a group that isShown(row), if it has any.
 template <typename IsShown>
-void AddSections(TextLines& lines, const BatteryReport& battery, IsShown isShown) {
-  const fields::Group* section = nullptr;
+void AddSection(TextLines& lines, const fields::Group& group, const BatteryReport& battery, IsShown isShown) {
+  bool isBegun = false;
   for (const fields::Row& row : fields::kCatalogue) {
-    if (!IsSection(row.group) || !isShown(row)) {
+    if (row.group != &group || !isShown(row)) {
       continue;
     }
     const bool isMissing = IsMissing(row, battery);
-    if (row.group != section) {
-      section = row.group;
-      lines.Section(section->label);
+    if (!isBegun) {
+      lines.Section(group.label);
       if (isMissing) {
         lines.Line("  not available");
       }
     }
+    isBegun = true;
     if (!isMissing) {
       AddField(lines, row, battery);
+    }
+  }
+}
+
+// Adds the sections of the fields that isShown(row).
+template <typename IsShown>
+void AddSections(TextLines& lines, const BatteryReport& battery, IsShown isShown) {
+  for (const fields::Group* group : fields::kGroups) {
+    if (IsSection(group)) {
+      AddSection(lines, *group, battery, isShown);
     }
   }
 }

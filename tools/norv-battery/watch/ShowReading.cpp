@@ -145,12 +145,15 @@ bool IsWatched(const fields::Group* group) {
 
 std::vector<ScreenRow> ScreenRows() {
   std::vector<ScreenRow> rows;
-  for (const fields::Row& row : fields::kCatalogue) {
-    if (IsWatched(row.group)) {
-      // The column has no room for why a percentage is none; the divisor stands in a row above.
-      rows.push_back({row.label, row.group->key, row.key, row.kind == NORV_BATTERY_REAL ? " %" : ""});
-    } else if (row.number == NORV_BATTERY_STATUS_WORD) {
-      rows.push_back({"Status flags", row.group->key, "flags"});
+  for (const fields::Group* group : fields::kGroups) {
+    if (group == &fields::kFlags) {
+      rows.push_back({"Status flags", fields::kStatus.key, "flags"});
+    }
+    for (const fields::Row& row : fields::kCatalogue) {
+      if (row.group == group && IsWatched(group)) {
+        // The column has no room for why a percentage is none; the divisor stands in a row above.
+        rows.push_back({row.label, group->key, row.key, row.kind == NORV_BATTERY_REAL ? " %" : ""});
+      }
     }
   }
   return rows;
