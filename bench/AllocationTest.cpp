@@ -7,8 +7,8 @@
 
 #include "battery/NorvBatteryInfo.h"
 #include "norv/platform/Platform.h"
-#include "support/Accessors.h"
 #include "support/Blocks.h"
+#include "support/Fields.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ class OfflineMachine : public platform::PlatformWrapper {
 int AllocationsOf(const Block& block) {
   const int before = allocations;
   const auto battery = std::make_unique<shared::battery::NorvBatteryInfo>(block.data());
-  ReadEveryAccessor(*battery, [](auto /*value*/) {});
+  ReadEveryField(*battery, [](auto /*value*/) {});
   return allocations - before;
 }
 

@@ -7,8 +7,8 @@
 #include "battery/NorvBatteryInfo.h"
 #include "decode/OfflinePlatform.h"
 #include "plain/PlainRecord.h"
-#include "support/Accessors.h"
 #include "support/Blocks.h"
+#include "support/Fields.h"
 
 namespace norv::bench {
 
@@ -36,7 +36,7 @@ void RecordOfTheLibrary(benchmark::State& state) {
   for (auto _ : state) {
     const auto battery =
         std::make_unique<shared::battery::NorvBatteryInfo>(LikelyBlocks()[number++ % kBlockCount].data());
-    ReadEveryAccessor(*battery, [](auto value) { benchmark::DoNotOptimize(value); });
+    ReadEveryField(*battery, [](auto value) { benchmark::DoNotOptimize(value); });
   }
   state.SetItemsProcessed(state.iterations());
 }

@@ -25,6 +25,9 @@ struct Field {
   constexpr std::size_t End() const { return offset + width; }
 };
 
+// Of what is in no block.
+inline constexpr Field kNowhere{0, 0};
+
 // A word as the firmware gave it, widened without a sign: 0 to 65535.
 constexpr int Word(const unsigned char* block, Field field) {
   return block[field.offset] | (block[field.offset + 1] << 8);

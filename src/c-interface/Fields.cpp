@@ -95,11 +95,7 @@ const Row* FindField(std::int32_t field) {
 
 Reading ReadField(const norv_battery_record& record, const Row& row) {
   const Asked asked = AskFor(record, row.number);
-  return ReadSubject({.info = record.info,
-                      .isDecoded = record.IsDecoded(),
-                      .age = &asked,
-                      .validity = &asked},
-                     row);
+  return ReadSubject({.info = record.info, .isDecoded = record.IsDecoded(), .age = &asked, .validity = &asked}, row);
 }
 
 Reading ReadField(const NorvBatteryTestInfo& test, const Row& row) {

@@ -55,8 +55,6 @@ inline constexpr const char* kCharge = "mAh or 10 mWh";
 inline constexpr const char* kMillivolt = "mV";
 inline constexpr const char* kPercent = "%";
 
-inline constexpr Field kNowhere{0, 0};
-
 constexpr Field Part(CtField part) {
   return {kCtNumber.offset + part.position, part.width};
 }

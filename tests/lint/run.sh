@@ -81,6 +81,9 @@ CIncludes() {
   [[ -z $others ]] || { printf 'the C header includes more than it may:\n%s\n' "$others"; return 1; }
 }
 
+FieldLists() { tests/lint/catalogue.py lists; }
+BlockPlaces() { tests/lint/catalogue.py places; }
+
 # A conflict that was not settled, in whatever file.
 ConflictMarkers() {
   local found
@@ -96,6 +99,8 @@ Check "clang-format" Format || true
 Check "no operating-system header under src/" SystemIncludes || true
 Check "the library includes nothing of simulator, tool and tests" UpwardIncludes || true
 Check "the tool includes installed headers only" ToolIncludes || true
+Check "no second list of a battery's fields" FieldLists || true
+Check "no second spelling of a block's offsets" BlockPlaces || true
 Check "public headers include the standard library only" PublicIncludes || true
 Check "the C header includes three standard headers only" CIncludes || true
 Check "no condition on the operating system outside its two places" SystemConditions || true
