@@ -1,5 +1,6 @@
 // Opening, asking and closing collections.
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "Listening.h"
@@ -8,6 +9,8 @@
 #include "c-interface/Handles.h"
 #include "c-interface/Interface.h"
 #include "diagnostics/MemoryWatch.h"
+#include "fields/Read.h"
+#include "norv/platform/Platform.h"
 
 using norv::platform::Listening;
 using norv::shared::battery::NorvBatteryInfo;
@@ -40,6 +43,13 @@ norv_battery_status CheckOptions(const norv_battery_options& options) {
   return areKnown ? NORV_BATTERY_OK : NORV_BATTERY_INVALID_ARGUMENT;
 }
 
+// What the machine's own source told of the block in a slot; nothing where it told all, or where another channel
+// answered.
+std::optional<norv::shared::battery::fields::Told> ToldOf(std::uint32_t slot, const norv::firmware::Block& block) {
+  const auto told = norv::platform::Platform::Current().DescribeSlot(slot).told;
+  return !told.all() && norv::shared::battery::fields::IsOf(block.data(), told) ? std::optional(told) : std::nullopt;
+}
+
 // The handle of the record of each slot that has one.
 void AdoptRecords(norv_battery_collection& collection) {
   for (unsigned char slot = 0; slot < NORV_BATTERY_SLOT_COUNT; ++slot) {
@@ -48,6 +58,7 @@ void AdoptRecords(norv_battery_collection& collection) {
       record.info = info;
       record.block = collection.channel->Information().at(slot).value();
       record.cellSwell = collection.channel->CellSwell().at(slot);
+      record.told = ToldOf(slot, record.block);
     }
   }
 }

@@ -7,7 +7,7 @@
 
 #include "base/Utf8.h"
 #include "diagnostics/MemoryWatch.h"
-#include "fields/Catalogue.h"
+#include "fields/Read.h"
 
 namespace norv::shared::battery::c_interface {
 
@@ -95,7 +95,12 @@ const Row* FindField(std::int32_t field) {
 
 Reading ReadField(const norv_battery_record& record, const Row& row) {
   const Asked asked = AskFor(record, row.number);
-  return ReadSubject({.info = record.info, .isDecoded = record.IsDecoded(), .age = &asked, .validity = &asked}, row);
+  return ReadSubject({.info = record.info,
+                      .isDecoded = record.IsDecoded(),
+                      .told = record.told ? &*record.told : nullptr,
+                      .age = &asked,
+                      .validity = &asked},
+                     row);
 }
 
 Reading ReadField(const NorvBatteryTestInfo& test, const Row& row) {

@@ -13,6 +13,7 @@
 #include "c-interface/HostChannel.h"
 #include "c-interface/HostLog.h"
 #include "c-interface/Interface.h"
+#include "fields/Field.h"
 
 // A record of a collection refers to the collection's own, and is used when that is; a decoded one owns its own.
 struct norv_battery_record {
@@ -26,6 +27,7 @@ struct norv_battery_record {
   std::unique_ptr<norv::shared::battery::NorvBatteryInfo> owned;
   norv::firmware::Block block{};
   std::optional<norv::firmware::Block> cellSwell;
+  std::optional<norv::shared::battery::fields::Told> told;  // nothing: all
 
   bool IsDecoded() const { return owned != nullptr; }
   UseMark& Use() const { return collectionUse != nullptr ? *collectionUse : ownUse; }

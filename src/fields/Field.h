@@ -1,6 +1,7 @@
 // What there is to know of a field of a battery, and what one answers.
 #pragma once
 
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -32,11 +33,15 @@ struct Asked {
   error::Error failure;
 };
 
+// The bytes of the battery-information block that its source told.
+using Told = std::bitset<firmware::kBlockSize>;
+
 // What fields are read from: a record, or of the battery test's fields the test itself.
 struct Subject {
   NorvBatteryInfo* info = nullptr;
   const NorvBatteryTestInfo* test = nullptr;  // null: the record's verdict
   bool isDecoded = false;                     // of a block that need not be this machine's
+  const Told* told = nullptr;                 // null: all
   // Asking a record for its age changes what it says of its validity. Whoever reads one of these two asks first.
   const Asked* age = nullptr;
   const Asked* validity = nullptr;
@@ -83,13 +88,6 @@ constexpr std::optional<std::size_t> ItemIndex(const Row& row) {
 // its number.
 constexpr bool IsUtf8(const Row& row) {
   return row.source == NORV_BATTERY_FROM_BIOS_SETTINGS;
-}
-
-// The answer of a field, with its state.
-inline Answer Read(const Row& row, const Subject& subject) {
-  Answer answer = row.read(row, subject);
-  answer.state = row.state(subject, answer);
-  return answer;
 }
 
 }  // namespace fields

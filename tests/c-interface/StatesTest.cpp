@@ -1,7 +1,12 @@
 // The states of fields: what a block holds that is no value.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
 #include "Reader.h"
+#include "norv/simulator/SimulatedMachine.h"
 #include "unit/support/TestBlock.h"
 
 namespace norv::test::c {
@@ -143,6 +148,64 @@ TEST(CInterfaceStates, CellSwellBytesAreReadFromTheirOwnBlock) {
   const Decoded record(HealthyBlock().Data(), cellSwell.Data());
   EXPECT_EQ(ReadBytes(record.Get(), NORV_BATTERY_LEVEL_B_TEMPERATURE_2_TIME), (std::vector<std::uint8_t>{0x34, 0x12}));
   EXPECT_EQ(ReadField(record.Get(), NORV_BATTERY_LEVEL_B_TEMPERATURE_2_TIME).value.number, 0x1234);
+}
+
+// A battery that the system's driver told a few words of: bytes 0x02 to 0x05 and 0x12 to 0x13 of the block.
+constexpr const char* kPartlyToldMachine = R"({
+  "description": "A driver's battery", "source": "a driver",
+  "slots": [{"battery": {"fullChargeCapacity": 4000, "remainingCapacity": 1000, "batteryStatus": 64},
+             "driver": {"told": "3c003000000000000000000000000000"}}, null]})";
+
+TEST(CInterfaceStates, WhatTheSourceDidNotTellIsNoValue) {
+  const auto machine = simulator::SimulatedMachine::FromText(kPartlyToldMachine, "told");
+  const Collection collection;
+  const norv_battery_record* const record = collection.Record(0);
+  const auto state = [record](std::int32_t field) { return ReadField(record, field).value.state; };
+  for (const std::int32_t told :
+       {NORV_BATTERY_FULL_CHARGE_CAPACITY, NORV_BATTERY_REMAINING_CAPACITY, NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE,
+        NORV_BATTERY_DISCHARGING, NORV_BATTERY_FULLY_CHARGED}) {
+    EXPECT_EQ(state(told), NORV_BATTERY_VALUE) << told;
+  }
+  for (const std::int32_t notTold :
+       {NORV_BATTERY_MANUFACTURER, NORV_BATTERY_DESIGN_CAPACITY, NORV_BATTERY_FULL_CHARGE_CAPACITY_PERCENTAGE,
+        NORV_BATTERY_CURRENT, NORV_BATTERY_CHARGE_RATE, NORV_BATTERY_CELL_VOLTAGE_1, NORV_BATTERY_STATUS_WORD,
+        NORV_BATTERY_STATUS_ERROR_CODE, NORV_BATTERY_INITIALIZED, NORV_BATTERY_WARRANTY_TYPE, NORV_BATTERY_AGE,
+        NORV_BATTERY_OVER_CURRENT_PROTECTION, NORV_BATTERY_CT_ASSEMBLY, NORV_BATTERY_BATTERY_CARE,
+        NORV_BATTERY_TIME_CHARGE, NORV_BATTERY_VALID}) {
+    EXPECT_EQ(state(notTold), NORV_BATTERY_NOT_TOLD) << notTold;
+  }
+  EXPECT_EQ(ReadField(record, NORV_BATTERY_DESIGN_CAPACITY).value.number, 0);
+}
+
+// A channel of the host's has a block of its own, of which the machine's driver knows nothing.
+TEST(CInterfaceStates, AHostsChannelTellsAll) {
+  const auto machine = simulator::SimulatedMachine::FromText(kPartlyToldMachine, "told");
+  static const TestBlock block = HealthyBlock();
+  auto options = Sized<norv_battery_options>();
+  options.channel = [](void*, std::uint32_t, std::uint32_t, std::uint32_t, const std::uint8_t* input, std::uint32_t,
+                       std::uint8_t* output, std::uint32_t* returnCode) {
+    *returnCode = input[0] == 0 ? 0 : 6;
+    std::copy_n(block.Data(), 128, output);
+    return 0;
+  };
+  const Collection collection(&options);
+  EXPECT_EQ(ReadField(collection.Record(0), NORV_BATTERY_VALID).value.state, NORV_BATTERY_VALUE);
+  EXPECT_EQ(ReadField(collection.Record(0), NORV_BATTERY_DESIGN_CAPACITY).value.state, NORV_BATTERY_VALUE);
+}
+
+// The description that hosts of the first version know ended with the unit.
+TEST(CInterfaceStates, ADescriptionOfTheFirstVersionIsStillServed) {
+  auto description = Sized<norv_battery_description>();
+  std::fill_n(description.key, sizeof description.key, 'x');
+  description.size = offsetof(norv_battery_description, key);
+  ASSERT_EQ(norv_battery_describe_field(NORV_BATTERY_VOLTAGE, &description), NORV_BATTERY_OK);
+  EXPECT_STREQ(description.name, "voltage");
+  EXPECT_EQ(description.size, offsetof(norv_battery_description, key));
+  EXPECT_EQ(std::string(description.key, sizeof description.key), std::string(sizeof description.key, 'x'));
+  const norv_battery_description whole = Describe(NORV_BATTERY_CELL_VOLTAGE_2);
+  EXPECT_STREQ(whole.key, "voltages[1]");
+  EXPECT_STREQ(whole.group, "cells");
+  EXPECT_STREQ(whole.label, "Cell 2 voltage");
 }
 
 }  // namespace

@@ -288,6 +288,30 @@ class PowerSupplyTest(ToolTest):
         capacity = report["batteries"][0]["capacity"]
         self.assertEqual((capacity["fullChargeCapacity"], capacity["driverStateOfCharge"]), (4500, 80))
 
+    def test_what_no_driver_told_is_null(self):
+        listing = self.write("notebook.txt", "BAT0/type:Battery\nBAT0/status:Discharging\nBAT0/model_name:A long model\n"
+                                             "BAT0/technology:Li-ion\nBAT0/energy_full:40000000\nBAT0/capacity:80\n")
+        battery = json.loads(self.run_tool("report", "--power-supply", listing, "--format", "json").stdout)["batteries"][0]
+        driver = battery["driver"]
+        self.assertEqual((driver["modelName"], driver["technology"], driver["fullChargeEnergy"], driver["designEnergy"]),
+                         ("A long model", "Li-ion", 40000, None))
+        told = {path for path in ("status.flags.discharging", "status.flags.fullyCharged", "identity.deviceName")
+                if path not in battery["notTold"]}
+        self.assertEqual(len(told), 3)
+        for path in battery["notTold"]:
+            value = battery
+            for key in path.split("[")[0].split("."):
+                value = value[key] if value is not None else None
+            self.assertIsNone(value, path)
+        text = self.run_tool("report", "--power-supply", listing).stdout
+        self.assertIn("  Model name                      A long model\n", text)
+        self.assertIn("  State of charge                 80 %\n", text)
+        for section in ("Cells", "Suppliers and attributes", "BIOS battery care settings", "Validity"):
+            self.assertNotIn(f"\n{section}\n", text)
+        # What there is can be encoded: the rest of the block is zeros.
+        again = self.run_tool("encode", "-", input=json.dumps({"batteries": [battery, None]}).encode())
+        self.assertEqual(again.returncode, 0, again.stderr)
+
     def test_listing_without_battery(self):
         done = self.run_tool("report", "--power-supply", self.write("desktop.txt", "AC/type:Mains\n"))
         self.assertEqual((done.returncode, done.stdout.count("No battery.\n")), (1, 2))

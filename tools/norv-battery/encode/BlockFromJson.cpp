@@ -133,6 +133,9 @@ Block BlockFromJson(const Value& battery) {
     const std::string group = row->group->key;
     const std::string key(fields::BareKey(row->key));
     const Value& member = Member(battery, group, key);
+    if (member.IsNull() && !battery["notTold"].IsNull()) {
+      continue;  // a system's driver did not tell it, and leaves zeros there
+    }
     const auto index = fields::ItemIndex(*row);
     const Value& value = index ? ItemOf(member, *index, group + "." + key) : member;
     PutField(block, *row, value, group + "." + row->key);

@@ -114,7 +114,7 @@ void WriteItems(Sink& sink, const Battery& battery) {
     sink.Numbers(kKey<kFirst>.characters, numbers);
   }
   if constexpr (kCatalogue[kFirst].group == &fields::kCells) {
-    sink.Number("spread", SpreadOf(numbers));
+    sink.Number("spread", SpreadOf(numbers));  // of zeros there is none
   }
 }
 

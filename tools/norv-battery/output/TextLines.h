@@ -14,6 +14,7 @@ class TextLines {
   void Section(std::string_view name);
   void Row(const std::string& name, const std::string& value);
   void Row(const std::string& name, int value);
+  void Append(const TextLines& other) { text_ += other.text_; }
 
   const std::string& Text() const { return text_; }
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "battery/NorvBatteryInfo.h"
-#include "fields/Catalogue.h"
+#include "fields/Read.h"
 
 namespace norv::tool {
 
@@ -12,10 +12,11 @@ namespace norv::tool {
 class AskedBattery {
  public:
   // Validity before age: the error that GetAge leaves would make the record invalid.
-  explicit AskedBattery(shared::battery::NorvBatteryInfo& info)
+  // `told`, which may be null, outlives this.
+  explicit AskedBattery(shared::battery::NorvBatteryInfo& info, const shared::battery::fields::Told* told = nullptr)
       : validity_(AskValidity(info)),
         age_(AskAge(info)),
-        subject_{.info = &info, .age = &age_, .validity = &validity_} {}
+        subject_{.info = &info, .told = told, .age = &age_, .validity = &validity_} {}
 
   AskedBattery(const AskedBattery&) = delete;
   AskedBattery& operator=(const AskedBattery&) = delete;

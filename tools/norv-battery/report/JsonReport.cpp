@@ -78,7 +78,9 @@ class ReportedBattery {
   // What a record lacks as a whole has no members.
   template <std::size_t kFirst>
   bool IsNull() const {
-    return fields::kCatalogue[kFirst].group == &fields::kCellSwell && Get<kFirst>().state == NORV_BATTERY_ABSENT;
+    const norv_battery_state state = Get<kFirst>().state;
+    return fields::kCatalogue[kFirst].group == &fields::kCellSwell &&
+           (state == NORV_BATTERY_ABSENT || state == NORV_BATTERY_NOT_TOLD);
   }
 
   // The driver's figure lies beside the block, and is no field of a record.
@@ -97,6 +99,30 @@ class ReportedBattery {
   const BatteryReport& report_;
 };
 
+// The paths of the fields that nobody told.
+Array NotTold(const BatteryReport& battery) {
+  Array paths;
+  for (const fields::Row& row : fields::kCatalogue) {
+    if (!battery.IsTold(row.number)) {
+      paths.emplace_back(std::string(row.group->key) + "." + row.key);
+    }
+  }
+  return paths;
+}
+
+Value OrNull(const std::string& text) {
+  return text.empty() ? Value() : Value(text);
+}
+
+Object DriverJson(const platform::SlotDescription& driver) {
+  return {
+      {"modelName", OrNull(driver.modelName)},       {"serialNumber", OrNull(driver.serialNumber)},
+      {"manufacturer", OrNull(driver.manufacturer)}, {"technology", OrNull(driver.technology)},
+      {"designEnergy", driver.designEnergy},         {"fullChargeEnergy", driver.fullChargeEnergy},
+      {"remainingEnergy", driver.remainingEnergy},   {"power", driver.power},
+  };
+}
+
 Value BatteryJson(const std::optional<BatteryReport>& battery) {
   if (!battery) {
     return nullptr;
@@ -104,6 +130,10 @@ Value BatteryJson(const std::optional<BatteryReport>& battery) {
   Object object{{"slot", battery->slot}};
   ObjectSink sink(object);
   WriteGroups(sink, ReportedBattery(*battery), [](const fields::Group&) { return true; });
+  if (battery->driver) {
+    object["driver"] = DriverJson(*battery->driver);
+    object["notTold"] = NotTold(*battery);
+  }
   return object;
 }
 

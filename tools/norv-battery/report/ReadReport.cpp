@@ -62,6 +62,21 @@ std::string ChannelText(ChannelObserver& machine, const Source& source) {
   return std::string_view(source.kind) == "machine" ? "not known" : "a machine file";
 }
 
+// With what the source of the slot tells besides.
+BatteryReport ReadSlot(int slot, NorvBatteryInfo& battery, ChannelObserver& machine) {
+  if (!machine.WasAsked()) {
+    return ReadBattery(slot, battery);
+  }
+  const platform::SlotDescription source = machine.DescribeSlot(static_cast<std::uint32_t>(slot));
+  const bool tellsAll = source.told.all();
+  BatteryReport report = ReadBattery(slot, battery, tellsAll ? nullptr : &source.told);
+  report.driverStateOfCharge = source.stateOfCharge;
+  if (!tellsAll) {
+    report.driver = source;
+  }
+  return report;
+}
+
 TestReport RunTest(NorvBatteries& batteries, NorvBatteryTestInfo& test) {
   {
     const TestProgress progress;
@@ -83,8 +98,8 @@ TestReport RunTest(NorvBatteries& batteries, NorvBatteryTestInfo& test) {
 
 }  // namespace
 
-BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
-  const AskedBattery asked(battery);
+BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery, const fields::Told* told) {
+  const AskedBattery asked(battery, told);
   BatteryReport report;
   report.slot = slot;
   for (const fields::Row& row : fields::kCatalogue) {
@@ -92,7 +107,8 @@ BatteryReport ReadBattery(int slot, NorvBatteryInfo& battery) {
     report[row.number] = {answer.state, answer.number, answer.real, std::string(answer.text)};
   }
   report.ageFailure = ReadFailure(asked.AgeFailure());
-  report.validityFailure = ReadFailure(asked.ValidityFailure());
+  const bool isJudged = report[NORV_BATTERY_VALID].state != NORV_BATTERY_NOT_TOLD;
+  report.validityFailure = isJudged ? ReadFailure(asked.ValidityFailure()) : std::nullopt;
   return report;
 }
 
@@ -114,9 +130,7 @@ Report ReadReport(const Source& source, const ReadOptions& options) {
   }
   for (unsigned char slot = 0; slot < kSlotCount; ++slot) {
     if (NorvBatteryInfo* battery = batteries.Query(slot)) {
-      report.batteries.at(slot) = ReadBattery(slot, *battery);
-      report.batteries.at(slot)->driverStateOfCharge =
-          machine.WasAsked() ? machine.DescribeSlot(slot).stateOfCharge : std::nullopt;
+      report.batteries.at(slot) = ReadSlot(slot, *battery, machine);
     }
   }
   return report;

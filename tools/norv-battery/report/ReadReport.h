@@ -14,7 +14,8 @@ struct ReadOptions {
 // does. The current platform answers.
 Report ReadReport(const Source& source, const ReadOptions& options);
 
-// Everything that a record says. It need not be of this machine.
-BatteryReport ReadBattery(int slot, shared::battery::NorvBatteryInfo& battery);
+// Everything that a record says. It need not be of this machine. `told`, which may be null, is what its source told.
+BatteryReport ReadBattery(int slot, shared::battery::NorvBatteryInfo& battery,
+                          const shared::battery::fields::Told* told = nullptr);
 
 }  // namespace norv::tool

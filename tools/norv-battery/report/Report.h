@@ -10,6 +10,7 @@
 
 #include "fields/Catalogue.h"
 #include "firmware/Block.h"
+#include "norv/platform/Platform.h"
 
 namespace norv::tool {
 
@@ -41,6 +42,11 @@ struct BatteryReport {
   std::optional<Failure> ageFailure;                 // why there is no age
   std::optional<Failure> validityFailure;            // why the record is not valid
   std::optional<std::uint32_t> driverStateOfCharge;  // percent, the battery driver's own figure
+
+  // What a system's driver tells of the battery that it read; nothing where the maker's BIOS answered.
+  std::optional<platform::SlotDescription> driver;
+
+  bool IsTold(norv_battery_field field) const { return (*this)[field].state != NORV_BATTERY_NOT_TOLD; }
 
   const FieldValue& operator[](norv_battery_field field) const {
     return fields.at(static_cast<std::size_t>(field) - 1);

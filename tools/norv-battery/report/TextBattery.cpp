@@ -185,7 +185,7 @@ void AddSpread(TextLines& lines, const BatteryReport& battery) {
 void AddFlags(TextLines& lines, const BatteryReport& battery) {
   std::string set;
   for (const fields::Row& row : fields::kCatalogue) {
-    if (row.group == &fields::kFlags && battery[row.number].number != 0) {
+    if (row.group == &fields::kFlags && battery.IsTold(row.number) && battery[row.number].number != 0) {
       set += set.empty() ? "" : ", ";
       set += row.name;
     }
@@ -236,7 +236,7 @@ template <typename IsShown>
 void AddSection(TextLines& lines, const fields::Group& group, const BatteryReport& battery, IsShown isShown) {
   bool isBegun = false;
   for (const fields::Row& row : fields::kCatalogue) {
-    if (row.group != &group || !isShown(row)) {
+    if (row.group != &group || !isShown(row) || !battery.IsTold(row.number)) {
       continue;
     }
     const bool isMissing = IsMissing(row, battery);
@@ -253,13 +253,54 @@ void AddSection(TextLines& lines, const fields::Group& group, const BatteryRepor
   }
 }
 
+// Without a status word there is no row that the flags could follow.
+bool AreFlagsAlone(const BatteryReport& battery) {
+  return !battery.IsTold(NORV_BATTERY_STATUS_WORD) && battery.IsTold(NORV_BATTERY_DISCHARGING);
+}
+
 // Adds the sections of the fields that isShown(row).
 template <typename IsShown>
 void AddSections(TextLines& lines, const BatteryReport& battery, IsShown isShown) {
   for (const fields::Group* group : fields::kGroups) {
     if (IsSection(group)) {
       AddSection(lines, *group, battery, isShown);
+    } else if (group == &fields::kFlags && AreFlagsAlone(battery)) {
+      lines.Section(fields::kStatus.label);
+      AddFlags(lines, battery);
     }
+  }
+}
+
+void AddEnergy(TextLines& lines, const char* name, const std::optional<std::int64_t>& amount, const char* unit) {
+  if (amount) {
+    lines.Row(name, std::to_string(*amount) + unit);
+  }
+}
+
+// A text that the field of the block has not got whole.
+void AddWhole(TextLines& lines, const char* name, const std::string& whole, const FieldValue& field) {
+  if (!whole.empty() && whole != field.text) {
+    lines.Row(name, EscapeText(whole));
+  }
+}
+
+// What the driver tells and no block has room for.
+void AddDriver(TextLines& lines, const BatteryReport& battery, const platform::SlotDescription& driver) {
+  TextLines rows;
+  AddWhole(rows, "Model name", driver.modelName, battery[NORV_BATTERY_DEVICE_NAME]);
+  AddWhole(rows, "Serial number", driver.serialNumber, battery[NORV_BATTERY_SERIAL_NUMBER]);
+  AddWhole(rows, "Manufacturer", driver.manufacturer, battery[NORV_BATTERY_MANUFACTURER]);
+  AddWhole(rows, "Technology", driver.technology, {});
+  if (driver.stateOfCharge && !battery.IsTold(NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE)) {
+    rows.Row("State of charge", std::to_string(*driver.stateOfCharge) + " %");
+  }
+  AddEnergy(rows, "Design energy", driver.designEnergy, " mWh");
+  AddEnergy(rows, "Full charge energy", driver.fullChargeEnergy, " mWh");
+  AddEnergy(rows, "Remaining energy", driver.remainingEnergy, " mWh");
+  AddEnergy(rows, "Power", driver.power, " mW");
+  if (!rows.Text().empty()) {
+    lines.Section("What the driver tells besides");
+    lines.Append(rows);
   }
 }
 
@@ -295,6 +336,9 @@ void AddBattery(TextLines& lines, const BatteryReport& battery, bool cellSwellRe
     }
     return row.source != NORV_BATTERY_FROM_CELL_SWELL_BLOCK || cellSwellRequested;
   });
+  if (battery.driver) {
+    AddDriver(lines, battery, *battery.driver);
+  }
 }
 
 }  // namespace norv::tool

@@ -177,11 +177,11 @@ void AddRows(const Reading& reading, const std::vector<Change>& changes, std::st
     for (std::size_t slot = 0; slot < batteries.size(); ++slot) {
       const Value& group = batteries[slot][row.group];
       const Value& value = At(group, row.key);
-      isThere |= !group.IsNull();
+      const bool isTold = !group.IsNull() && !(value.IsNull() && !batteries[slot]["notTold"].IsNull());
+      isThere |= isTold;
       const std::string path = BatteryPath(slot) + "." + row.group + "." + row.key;
-      line += group.IsNull()
-                  ? Cell("", false)
-                  : Cell(MemberText(row.key, value) + (value.IsNull() ? "" : row.unit), IsChanged(path, changes));
+      line += !isTold ? Cell("", false)
+                      : Cell(MemberText(row.key, value) + (value.IsNull() ? "" : row.unit), IsChanged(path, changes));
     }
     if (isThere) {
       AddScreenLine(line, screen);
