@@ -31,7 +31,7 @@ void WriteOrigin(Sink& sink, const RowOrigin& origin) {
 // Whether it can be trusted comes before what a block says.
 template <typename Sink>
 void WriteBattery(Sink& sink, const AskedBattery& battery) {
-  const auto isValidity = [](const fields::Group& group) { return &group == &fields::kValidity; };
+  const auto isValidity = [](const fields::Group& group) { return group == fields::kValidity; };
   WriteGroups(sink, battery, isValidity);
   WriteGroups(sink, battery, [=](const fields::Group& group) { return !isValidity(group); });
 }

@@ -65,7 +65,7 @@ inline constexpr auto kGroupKey =
 
 constexpr bool IsFirstOfGroup(std::size_t index) {
   std::size_t first = 0;
-  while (kCatalogue[first].group != kCatalogue[index].group) {
+  while (*kCatalogue[first].group != *kCatalogue[index].group) {
     ++first;
   }
   return first == index;
@@ -80,16 +80,14 @@ constexpr std::size_t CountItems(std::size_t first) {
   return count;
 }
 
-// The group that the key of another one names before its point; null for a group that lies in none.
-constexpr const Group* ParentOf(const Group& group) {
+// "status.flags" lies within "status".
+constexpr bool IsWithin(const Group& group, const Group& outer) {
   const std::string_view key = group.key;
-  const std::size_t point = key.rfind('.');
-  for (const Row& row : kCatalogue) {
-    if (point != std::string_view::npos && row.group->key == key.substr(0, point)) {
-      return row.group;
-    }
-  }
-  return nullptr;
+  return key.substr(0, key.rfind('.')) == outer.key && group != outer;
+}
+
+constexpr bool IsOutermost(const Group& group) {
+  return std::string_view(group.key).find('.') == std::string_view::npos;
 }
 
 // Calls take.operator()<index>() for each of the rows kFirst to kEnd - 1.
@@ -113,7 +111,7 @@ void WriteItems(Sink& sink, const Battery& battery) {
   } else {
     sink.Numbers(kKey<kFirst>.characters, numbers);
   }
-  if constexpr (kCatalogue[kFirst].group == &fields::kCells) {
+  if constexpr (*kCatalogue[kFirst].group == fields::kCells) {
     sink.Number("spread", SpreadOf(numbers));  // of zeros there is none
   }
 }
@@ -186,23 +184,23 @@ void WriteField(Sink& sink, const Battery& battery) {
 template <std::size_t kFirst, typename Sink, typename Battery>
 void WriteGroup(Sink& sink, const Battery& battery) {
   using catalogue::kCatalogue;
-  constexpr const fields::Group* kGroup = kCatalogue[kFirst].group;
+  constexpr const fields::Group& kGroup = *kCatalogue[kFirst].group;
   if (battery.template IsNull<kFirst>()) {
     sink.Null(catalogue::kGroupKey<kFirst>.characters);
     return;
   }
   sink.Open(catalogue::kGroupKey<kFirst>.characters);
   catalogue::ForEach<kFirst, kCatalogue.size()>([&]<std::size_t kIndex>() {
-    if constexpr (kCatalogue[kIndex].group == kGroup) {
+    if constexpr (*kCatalogue[kIndex].group == kGroup) {
       catalogue::WriteField<kIndex>(sink, battery);
     }
   });
   catalogue::ForEach<0, kCatalogue.size()>([&]<std::size_t kIndex>() {
-    if constexpr (catalogue::IsFirstOfGroup(kIndex) && catalogue::ParentOf(*kCatalogue[kIndex].group) == kGroup) {
+    if constexpr (catalogue::IsFirstOfGroup(kIndex) && catalogue::IsWithin(*kCatalogue[kIndex].group, kGroup)) {
       WriteGroup<kIndex>(sink, battery);
     }
   });
-  if constexpr (kGroup == &fields::kValidity) {
+  if constexpr (kGroup == fields::kValidity) {
     sink.Failure("error", battery.ValidityFailure());
   }
   battery.template WriteBeyondCatalogue<kFirst>(sink);
@@ -215,7 +213,7 @@ void WriteGroups(Sink& sink, const Battery& battery, IsAmong isAmong) {
   using catalogue::kCatalogue;
   catalogue::ForEach<0, kCatalogue.size()>([&]<std::size_t kIndex>() {
     constexpr const fields::Group& kGroup = *kCatalogue[kIndex].group;
-    if constexpr (catalogue::IsFirstOfGroup(kIndex) && catalogue::ParentOf(kGroup) == nullptr &&
+    if constexpr (catalogue::IsFirstOfGroup(kIndex) && catalogue::IsOutermost(kGroup) &&
                   Battery::Has(kCatalogue[kIndex]) && isAmong(kGroup)) {
       WriteGroup<kIndex>(sink, battery);
     }

@@ -79,14 +79,14 @@ class ReportedBattery {
   template <std::size_t kFirst>
   bool IsNull() const {
     const norv_battery_state state = Get<kFirst>().state;
-    return fields::kCatalogue[kFirst].group == &fields::kCellSwell &&
+    return *fields::kCatalogue[kFirst].group == fields::kCellSwell &&
            (state == NORV_BATTERY_ABSENT || state == NORV_BATTERY_NOT_TOLD);
   }
 
   // The driver's figure lies beside the block, and is no field of a record.
   template <std::size_t kFirst, typename Sink>
   void WriteBeyondCatalogue(Sink& sink) const {
-    if constexpr (fields::kCatalogue[kFirst].group == &fields::kCapacity) {
+    if constexpr (*fields::kCatalogue[kFirst].group == fields::kCapacity) {
       sink.Number("driverStateOfCharge", report_.driverStateOfCharge);
       sink.Boolean("driverStateOfChargeDiffers", DriverDisagrees(report_));
     }
