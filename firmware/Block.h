@@ -18,8 +18,8 @@ inline constexpr int kSlotCount = 2;
 // Where a field lies in its block, in bytes. A word is two bytes, little-endian; a text is 8-bit characters that need
 // no NUL where they fill their field.
 struct Field {
-  std::size_t offset;
-  std::size_t width;
+  std::size_t offset = 0;
+  std::size_t width = 0;
   bool isSigned = false;  // a word in two's complement
 
   constexpr std::size_t End() const { return offset + width; }

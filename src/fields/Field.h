@@ -58,22 +58,22 @@ struct Group {
   }
 };
 
-struct Row {
-  norv_battery_field number;
-  const char* key;  // in its group's object; "voltages[0]" is an item of the list "voltages"
-  const Group* group;
-  const char* name;
-  const char* label;  // for people
-  norv_battery_kind kind;
-  const char* unit;
-  norv_battery_source source;
-  firmware::Field place;  // in the source's block; of width 0 when it is not one place there
-  int bit;                // of the word at `place`, or kNoBit
-  Answer (*read)(const Row& row, const Subject& subject);
-  norv_battery_state (*state)(const Subject& subject, const Answer& answer);
-};
-
 inline constexpr int kNoBit = -1;
+
+struct Row {
+  norv_battery_field number{};
+  const char* key = nullptr;  // in its group's object; "voltages[0]" is an item of the list "voltages"
+  const Group* group = nullptr;
+  const char* name = nullptr;
+  const char* label = nullptr;  // for people
+  norv_battery_kind kind{};
+  const char* unit = nullptr;
+  norv_battery_source source{};
+  firmware::Field place{};  // in the source's block; of width 0 when it is not one place there
+  int bit = kNoBit;         // of the word at `place`, or kNoBit
+  Answer (*read)(const Row& row, const Subject& subject) = nullptr;
+  norv_battery_state (*state)(const Subject& subject, const Answer& answer) = nullptr;
+};
 
 // "voltages" of "voltages[0]", "flags" of "status.flags".
 constexpr std::string_view BareKey(std::string_view key) {

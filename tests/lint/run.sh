@@ -50,10 +50,11 @@ UpwardIncludes() {
 }
 
 ToolIncludes() {
-  local files
+  local files decoders
   mapfile -t files < <(Sources tools)
-  None '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(\.\./)*(src|platform|access|record|settings|diagnostics)/' \
-    "the tool includes what is not installed; it is a host like any other:" "${files[@]}"
+  decoders=$(cd src/record && printf '|%s' *.h)  # a folder of the tool has the same name
+  None "^[[:space:]]*#[[:space:]]*include[[:space:]]*\"(\.\./)*((src|platform|access|settings|diagnostics)/|record/(${decoders:1})\")" \
+    "the tool includes what is not installed, nor the catalogue; it is a host like any other:" "${files[@]}"
 }
 
 # CMake picks the system's folder; only the export macro has to know the system.

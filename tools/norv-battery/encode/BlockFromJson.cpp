@@ -132,13 +132,14 @@ Block BlockFromJson(const Value& battery) {
   for (const fields::Row* row : fields::kStored<NORV_BATTERY_FROM_INFORMATION_BLOCK>) {
     const std::string group = row->group->key;
     const std::string key(fields::BareKey(row->key));
+    const std::string path = group + '.';
     const Value& member = Member(battery, group, key);
     if (member.IsNull() && !battery["notTold"].IsNull()) {
       continue;  // a system's driver did not tell it, and leaves zeros there
     }
     const auto index = fields::ItemIndex(*row);
-    const Value& value = index ? ItemOf(member, *index, group + "." + key) : member;
-    PutField(block, *row, value, group + "." + row->key);
+    const Value& value = index ? ItemOf(member, *index, path + key) : member;
+    PutField(block, *row, value, path + row->key);
   }
   return block;
 }

@@ -151,7 +151,9 @@ void WriteValue(Sink& sink, const Battery& battery) {
   const auto& value = battery.template Get<kIndex>();
   if (IsNull(kRow.kind, value.state)) {
     sink.Null(kLiteral);
-  } else if constexpr (kRow.kind == NORV_BATTERY_REAL) {
+    return;
+  }
+  if constexpr (kRow.kind == NORV_BATTERY_REAL) {
     sink.Percentage(kLiteral, std::optional(static_cast<float>(value.real)));
   } else if constexpr (kRow.kind == NORV_BATTERY_FLAG) {
     sink.Boolean(kLiteral, value.number != 0);
