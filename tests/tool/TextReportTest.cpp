@@ -50,7 +50,7 @@ std::string DriverLine(std::optional<std::uint32_t> driver, std::optional<float>
   report.batteries[0]->driverStateOfCharge = driver;
   FieldValue& percentage = (*report.batteries[0])[NORV_BATTERY_REMAINING_CAPACITY_PERCENTAGE];
   percentage.state = computed ? NORV_BATTERY_VALUE : NORV_BATTERY_INVALID;
-  percentage.real = computed.value_or(0);
+  percentage.real = static_cast<double>(computed.value_or(0));
   const std::string text = TextReport(report);
   const auto start = text.find("  Driver's state of charge        ");
   return start == std::string::npos ? "none" : text.substr(start + 34, text.find('\n', start) - start - 34);
