@@ -28,13 +28,9 @@ struct BlockOf {
   static const unsigned char* Read(const NorvBatteryInfo& info) { return info.block_; }
 };
 
-// What a place of the battery-information block holds, where no accessor gives it.
+// The word at a place of the battery-information block, where no accessor gives it.
 inline Answer Word(const Row& row, const Subject& subject) {
   return NumberAnswer(firmware::Word(BlockOf::Read(*subject.info), row.place));
-}
-
-inline Answer Bytes(const Row& row, const Subject& subject) {
-  return TextAnswer(firmware::Text(BlockOf::Read(*subject.info), row.place));
 }
 
 template <auto kGet>
